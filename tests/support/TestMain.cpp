@@ -1,0 +1,11 @@
+// Test entry point shared by every test executable.
+#include <gtest/gtest.h>
+
+#include <clocale>
+
+int main(int argc, char** argv) {
+  // The library never sets a locale; tests of the narrow/wide helpers want a UTF-8 one.
+  std::setlocale(LC_ALL, "C.UTF-8");
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
