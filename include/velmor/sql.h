@@ -3,3 +3,7 @@
 
 #include <velmor/sql/Assert.h>
 #include <velmor/sql/Export.h>
+#include <velmor/sql/ast/AST.h>
+#include <velmor/sql/ast/ASTStringValue.h>
+#include <velmor/sql/ast/TernaryLogic.h>
+#include <velmor/sql/parser/SqlError.h>
