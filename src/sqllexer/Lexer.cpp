@@ -18,51 +18,43 @@ Lexer::Lexer(const std::string& text) {
   mCursor = reinterpret_cast<const unsigned char*>(data);
   mEnd = mCursor + text.size();
   mLimit = mCursor + std::strlen(data);
+  placeCap(mCursor);
 }
 
 Lexer::~Lexer() = default;
 
-int Lexer::fill(const unsigned char* limit, const unsigned char* lexemeStart) {
-  if (limit == mCap) lexemeTooLong(lexemeStart);
+int Lexer::fill(const unsigned char*& limit, const unsigned char* lexemeStart) {
+  if (mCap && limit == mCap) {
+    if (mCap == lexemeStart + maxLexemeWindow) lexemeTooLong();
+    // The cap belongs to an earlier lexeme's window: move it to this one's and read on.
+    placeCap(lexemeStart);
+    limit = mWindowLimit;
+    return 0;
+  }
   // The automaton falls back to its last match at the end of the text; at a NUL byte the
   // text ends and whatever lexeme is under way is dropped.
   if (mLimit != mEnd) mStatus = Status::Error;
   return 1;
 }
 
-void Lexer::lexemeTooLong(const unsigned char*) {
-  restoreCap();
+void Lexer::placeCap(const unsigned char* lexemeStart) {
+  if (mCap) *mCap = mCapSaved;
+  mCap = nullptr;
+  mWindowLimit = mLimit;
+  if (static_cast<std::size_t>(mLimit - lexemeStart) > maxLexemeWindow) {
+    // Only texts longer than the window get here, and those are scanned from mCopy.
+    mCap = const_cast<unsigned char*>(lexemeStart + maxLexemeWindow);
+    mCapSaved = *mCap;
+    *mCap = 0;
+    mWindowLimit = mCap;
+  }
+}
+
+void Lexer::lexemeTooLong() {
   mStatus = Status::Error;
   std::cerr << "SqlLexer: lexeme starting at line " << mLine << ", column " << mColumn
             << " is longer than the scanner's window of " << maxLexemeWindow << " bytes\n";
   throw std::runtime_error("Distance between lexeme start and current pointer exceeds buffer size.");
-}
-
-void Lexer::restoreCap() {
-  if (mCap) {
-    *mCap = mCapSaved;
-    mCap = nullptr;
-  }
-}
-
-void Lexer::advance(const unsigned char* from, const unsigned char* to) {
-  int line = mLine;
-  int column = mColumn;
-  for (; from != to; ++from) {
-    const unsigned char c = *from;
-    if (c == '\n') {
-      ++line;
-      column = 1;
-    } else if (c == '\t') {
-      // Tab stops every four columns: 1..4 go to 5, 5..8 to 9.
-      column = ((column - 1) & ~3) + 5;
-    } else if ((c & 0xC0) != 0x80) {
-      // Continuation bytes belong to the code point that their lead byte counted.
-      ++column;
-    }
-  }
-  mLine = line;
-  mColumn = column;
 }
 
 void Lexer::appendWide(std::string_view bytes, std::wstring& out) {
@@ -72,6 +64,9 @@ void Lexer::appendWide(std::string_view bytes, std::wstring& out) {
   // Never more units than bytes; the surplus is cut off below.
   out.resize(start + bytes.size());
   wchar_t* w = out.data() + start;
+  // Most texts are ASCII through and through.
+  while (p != end && *p < 0x80) *w++ = static_cast<wchar_t>(*p++);
+  if (p == end) return;
   while (p != end) {
     const unsigned c = *p;
     if (c < 0x80) {

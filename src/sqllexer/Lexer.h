@@ -59,23 +59,61 @@ public:
   static void appendWide(std::string_view bytes, std::wstring& out);
 
 private:
-  /// Called by the automaton at the limit: fails, and records a NUL as the error status.
-  /// At a window cap it throws the lexeme-size error instead.
-  int fill(const unsigned char* limit, const unsigned char* lexemeStart);
+  /// Called by the automaton when it reaches `limit`. At the end of the text it fails, at a
+  /// NUL it fails and sets the error status. At the window's cap it moves the cap to the
+  /// lexeme's window edge and lets the automaton go on, or throws the lexeme-size error when
+  /// the cap is there already.
+  int fill(const unsigned char*& limit, const unsigned char* lexemeStart);
   /// Moves line and column over the bytes of an accepted lexeme.
   void advance(const unsigned char* from, const unsigned char* to);
-  void restoreCap();
-  [[noreturn]] void lexemeTooLong(const unsigned char* lexemeStart);
+  /// The same for a lexeme without tabs and line breaks: one column per code point.
+  void advanceInLine(const unsigned char* from, const unsigned char* to);
+  void setToken(Token& token, std::uint32_t id) const {
+    token.id = id;
+    token.line = mLine;
+    token.column = mColumn;
+  }
+  /// Puts the cap at the edge of the window of a lexeme starting at `lexemeStart`, or takes
+  /// it away when the rest of the text fits; updates mWindowLimit.
+  void placeCap(const unsigned char* lexemeStart);
+  [[noreturn]] void lexemeTooLong();
 
   std::string mCopy;               // the text, when it is too long to scan without caps
   const unsigned char* mCursor;
   const unsigned char* mLimit;     // the first NUL byte, or the end of the text
   const unsigned char* mEnd;       // the end of the text
-  unsigned char* mCap = nullptr;   // a NUL written over mCopy to stop the automaton at the window
+  const unsigned char* mWindowLimit; // where the automaton stops: mLimit or mCap
+  unsigned char* mCap = nullptr;   // a NUL written over mCopy at the edge of a lexeme's window
   unsigned char mCapSaved = 0;
   int mLine = 1;
   int mColumn = 1;
   Status mStatus = Status::Good;
 };
+
+inline void Lexer::advance(const unsigned char* from, const unsigned char* to) {
+  int line = mLine;
+  int column = mColumn;
+  for (; from != to; ++from) {
+    const unsigned char c = *from;
+    if (c == '\n') {
+      ++line;
+      column = 1;
+    } else if (c == '\t') {
+      // Tab stops every four columns: 1..4 go to 5, 5..8 to 9.
+      column = ((column - 1) & ~3) + 5;
+    } else if ((c & 0xC0) != 0x80) {
+      // Continuation bytes belong to the code point that their lead byte counted.
+      ++column;
+    }
+  }
+  mLine = line;
+  mColumn = column;
+}
+
+inline void Lexer::advanceInLine(const unsigned char* from, const unsigned char* to) {
+  int column = mColumn;
+  for (; from != to; ++from) column += (*from & 0xC0) != 0x80;
+  mColumn = column;
+}
 
 } // namespace velmor::sql

@@ -34,31 +34,20 @@ bool Lexer::next(Token& token) {
 
   const unsigned char* cur = mCursor;
   const unsigned char* mar = cur;
-  const unsigned char* lim = mLimit;
+  const unsigned char* lim = mWindowLimit;
   const unsigned char* tok = cur;
   std::uint32_t id = T_UNINITIALIZED;
 
   for (;;) {
     tok = cur;
-    // A lexeme may not run past the window, so a sentinel stands at its edge while it is
-    // scanned. Only texts longer than the window come here, and they are our own copy.
-    if (mCap) [[unlikely]] restoreCap();
-    if (static_cast<std::size_t>(mLimit - tok) > maxLexemeWindow) [[unlikely]] {
-      mCap = const_cast<unsigned char*>(tok) + maxLexemeWindow;
-      mCapSaved = *mCap;
-      *mCap = 0;
-      lim = mCap;
-    } else {
-      lim = mLimit;
-    }
-
     /*!re2c
       $ {
         if (mStatus == Status::Good) mStatus = Status::End;
-        mCursor = cur;
-        return false;
+        goto ended;
       }
       * { cur = tok + 1; goto skipped; }
+      // A lone blank is by far the commonest lexeme, so it skips the general count.
+      " " { if (mStatus != Status::Good) goto ended; ++mColumn; continue; }
       WS+ { goto skipped; }
 
       'all'        { id = T_ALL; goto plain; }
@@ -145,11 +134,11 @@ bool Lexer::next(Token& token) {
       // The whitespace inside is part of the token; the match stops right after "not".
       'is' WS+ 'not' { id = T_ISNOT; goto spaced; }
 
-      IDSTART IDCONT*             { id = T_IDENTIFIER; goto text; }
+      IDSTART IDCONT*             { id = T_IDENTIFIER; goto word; }
       "[" IDSTART IDCONT* "]"     { id = T_IDENTIFIER; goto bracketed; }
-      INTEGER                     { id = T_INTEGER_NUMBER; goto text; }
-      EXACT                       { id = T_EXACT_NUMBER; goto text; }
-      (INTEGER | EXACT) [eE] [+-]? DIGIT+ { id = T_APPROX_NUMBER; goto text; }
+      INTEGER                     { id = T_INTEGER_NUMBER; goto word; }
+      EXACT                       { id = T_EXACT_NUMBER; goto word; }
+      (INTEGER | EXACT) [eE] [+-]? DIGIT+ { id = T_APPROX_NUMBER; goto word; }
       PIECE (WS+ PIECE)*          { id = T_STRING; goto text; }
 
       "=" | "=="         { id = T_EQ; goto plain; }
@@ -173,61 +162,52 @@ bool Lexer::next(Token& token) {
   skipped:
     // Whitespace and dropped bytes make no token. A NUL reached while reading them ends the
     // text here, as it does for every lexeme under way.
-    if (mStatus != Status::Good) break;
+    if (mStatus != Status::Good) goto ended;
     advance(tok, cur);
   }
+
+ended:
   mCursor = cur;
   return false;
 
 plain:
-  // Keywords and operators: ASCII only, one column per byte.
-  if (mStatus != Status::Good) {
-    mCursor = cur;
-    return false;
-  }
+  // Keywords and operators: ASCII without tabs or line breaks.
+  if (mStatus != Status::Good) goto ended;
   token.text.clear();
-  token.id = id;
-  token.line = mLine;
-  token.column = mColumn;
+  setToken(token, id);
   mColumn += static_cast<int>(cur - tok);
   mCursor = cur;
   return true;
 
 spaced:
-  if (mStatus != Status::Good) {
-    mCursor = cur;
-    return false;
-  }
+  if (mStatus != Status::Good) goto ended;
   token.text.clear();
-  token.id = id;
-  token.line = mLine;
-  token.column = mColumn;
+  setToken(token, id);
   advance(tok, cur);
   mCursor = cur;
   return true;
 
 bracketed:
-  if (mStatus != Status::Good) {
-    mCursor = cur;
-    return false;
-  }
+  if (mStatus != Status::Good) goto ended;
   token.text.assign(reinterpret_cast<const char*>(tok) + 1, static_cast<std::size_t>(cur - tok - 2));
-  token.id = id;
-  token.line = mLine;
-  token.column = mColumn;
-  advance(tok, cur);
+  setToken(token, id);
+  advanceInLine(tok, cur);
+  mCursor = cur;
+  return true;
+
+word:
+  // Names and numbers hold no tabs or line breaks.
+  if (mStatus != Status::Good) goto ended;
+  token.text.assign(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
+  setToken(token, id);
+  advanceInLine(tok, cur);
   mCursor = cur;
   return true;
 
 text:
-  if (mStatus != Status::Good) {
-    mCursor = cur;
-    return false;
-  }
+  if (mStatus != Status::Good) goto ended;
   token.text.assign(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
-  token.id = id;
-  token.line = mLine;
-  token.column = mColumn;
+  setToken(token, id);
   advance(tok, cur);
   mCursor = cur;
   return true;
