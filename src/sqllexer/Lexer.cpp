@@ -1,53 +1,60 @@
 // The scanning engine's bookkeeping: text window, positions, wide text.
 #include "sqllexer/Lexer.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iostream>
 #include <stdexcept>
 
 namespace velmor::sql {
 
+namespace {
+constexpr std::size_t windowSize = Lexer::maxLexemeWindow + 2;
+}
+
 Lexer::Lexer(const std::string& text) {
-  // A text longer than the window needs sentinels written into it while it is scanned,
-  // so it is scanned from a copy; shorter texts are read in place (std::string ends in NUL).
-  const char* data = text.c_str();
-  if (text.size() > maxLexemeWindow) {
-    mCopy = text;
-    data = mCopy.c_str();
+  const auto* data = reinterpret_cast<const unsigned char*>(text.c_str());
+  const std::size_t length = std::strlen(text.c_str());
+  mSourceLimit = data + length;
+  mEndsAtNul = length != text.size();
+  if (length <= maxLexemeWindow) {
+    // No lexeme can outgrow the window, and std::string ends in a NUL that stops the
+    // automaton: scan in place.
+    mCursor = data;
+    mLimit = mSourceLimit;
+    mSource = mSourceLimit;
+  } else {
+    mWindow = std::make_unique<unsigned char[]>(windowSize);
+    mCursor = mLimit = mWindow.get() + 1;
+    mSource = data;
   }
-  mCursor = reinterpret_cast<const unsigned char*>(data);
-  mEnd = mCursor + text.size();
-  mLimit = mCursor + std::strlen(data);
-  placeCap(mCursor);
 }
 
 Lexer::~Lexer() = default;
 
-int Lexer::fill(const unsigned char*& limit, const unsigned char* lexemeStart) {
-  if (mCap && limit == mCap) {
-    if (mCap == lexemeStart + maxLexemeWindow) lexemeTooLong();
-    // The cap belongs to an earlier lexeme's window: move it to this one's and read on.
-    placeCap(lexemeStart);
-    limit = mWindowLimit;
-    return 0;
+int Lexer::fill(const unsigned char*& cursor, const unsigned char*& marker, const unsigned char*& lexemeStart,
+                const unsigned char*& limit) {
+  if (mSource == mSourceLimit) {
+    if (mEndsAtNul) mStatus = Status::Error;
+    return 1;
   }
-  // The automaton falls back to its last match at the end of the text; at a NUL byte the
-  // text ends and whatever lexeme is under way is dropped.
-  if (mLimit != mEnd) mStatus = Status::Error;
-  return 1;
-}
+  const auto kept = static_cast<std::size_t>(limit - lexemeStart);
+  if (kept >= maxLexemeWindow) lexemeTooLong();
 
-void Lexer::placeCap(const unsigned char* lexemeStart) {
-  if (mCap) *mCap = mCapSaved;
-  mCap = nullptr;
-  mWindowLimit = mLimit;
-  if (static_cast<std::size_t>(mLimit - lexemeStart) > maxLexemeWindow) {
-    // Only texts longer than the window get here, and those are scanned from mCopy.
-    mCap = const_cast<unsigned char*>(lexemeStart + maxLexemeWindow);
-    mCapSaved = *mCap;
-    *mCap = 0;
-    mWindowLimit = mCap;
-  }
+  unsigned char* start = mWindow.get() + 1;
+  std::memmove(start, lexemeStart, kept);
+  const std::size_t added = std::min(maxLexemeWindow - kept, static_cast<std::size_t>(mSourceLimit - mSource));
+  std::memcpy(start + kept, mSource, added);
+  mSource += added;
+
+  const std::ptrdiff_t shift = lexemeStart - start;
+  cursor -= shift;
+  // The marker is stale until the automaton sets it within this lexeme.
+  if (marker >= lexemeStart) marker -= shift;
+  lexemeStart = start;
+  limit = mLimit = start + kept + added;
+  start[kept + added] = 0;
+  return 0;
 }
 
 void Lexer::lexemeTooLong() {

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -28,14 +29,15 @@ class Lexer {
 public:
   enum class Status { Good, End, Error };
 
-  /// The reading window of the scanner is 131,072 bytes with a sentinel byte at each end, so
-  /// one lexeme, together with the bytes the automaton looks at before it settles on it, may
-  /// span at most this many bytes. The automaton needing the byte at this offset from the
-  /// lexeme's start raises the lexeme-size error (a NUL or the end of the text there is fine).
+  /// The scanner reads through a window of 131,072 bytes with a sentinel byte at each end,
+  /// so one lexeme, together with the bytes the automaton looks at before it settles on it,
+  /// may span at most this many bytes. Needing the byte at this offset from the lexeme's start
+  /// raises the lexeme-size error (a NUL or the end of the text there is fine). A text that
+  /// fits in the window is scanned in place, which is the same thing.
   static constexpr std::size_t maxLexemeWindow = 131072 - 2;
 
-  /// Scans `text`, which must outlive the lexer unless it is longer than the window, in which
-  /// case the lexer keeps a copy of its own. Line and column start at 1, the status at Good.
+  /// Scans `text`, which must outlive the lexer and stay unchanged. Line and column start at
+  /// 1, the status at Good.
   explicit Lexer(const std::string& text);
   virtual ~Lexer();
   Lexer(const Lexer&) = delete;
@@ -59,11 +61,13 @@ public:
   static void appendWide(std::string_view bytes, std::wstring& out);
 
 private:
-  /// Called by the automaton when it reaches `limit`. At the end of the text it fails, at a
-  /// NUL it fails and sets the error status. At the window's cap it moves the cap to the
-  /// lexeme's window edge and lets the automaton go on, or throws the lexeme-size error when
-  /// the cap is there already.
-  int fill(const unsigned char*& limit, const unsigned char* lexemeStart);
+  /// Called by the automaton when it reaches `limit`. With text left beyond the window, moves
+  /// the lexeme under way to the window's start, reads on and succeeds (0), or throws the
+  /// lexeme-size error when the lexeme fills the window already. Otherwise fails (1): at the
+  /// end of the text the automaton falls back to its last match, at a NUL the status becomes
+  /// Error and the lexeme under way is dropped.
+  int fill(const unsigned char*& cursor, const unsigned char*& marker, const unsigned char*& lexemeStart,
+           const unsigned char*& limit);
   /// Moves line and column over the bytes of an accepted lexeme.
   void advance(const unsigned char* from, const unsigned char* to);
   /// The same for a lexeme without tabs and line breaks: one column per code point.
@@ -73,18 +77,14 @@ private:
     token.line = mLine;
     token.column = mColumn;
   }
-  /// Puts the cap at the edge of the window of a lexeme starting at `lexemeStart`, or takes
-  /// it away when the rest of the text fits; updates mWindowLimit.
-  void placeCap(const unsigned char* lexemeStart);
   [[noreturn]] void lexemeTooLong();
 
-  std::string mCopy;               // the text, when it is too long to scan without caps
-  const unsigned char* mCursor;
-  const unsigned char* mLimit;     // the first NUL byte, or the end of the text
-  const unsigned char* mEnd;       // the end of the text
-  const unsigned char* mWindowLimit; // where the automaton stops: mLimit or mCap
-  unsigned char* mCap = nullptr;   // a NUL written over mCopy at the edge of a lexeme's window
-  unsigned char mCapSaved = 0;
+  const unsigned char* mCursor;       // where the next lexeme starts (in the text or the window)
+  const unsigned char* mLimit;        // where the automaton must ask fill() for more
+  const unsigned char* mSource;       // text not yet read into the window
+  const unsigned char* mSourceLimit;  // the first NUL byte of the text, or its end
+  bool mEndsAtNul = false;
+  std::unique_ptr<unsigned char[]> mWindow;  // only for a text longer than the window
   int mLine = 1;
   int mColumn = 1;
   Status mStatus = Status::Good;

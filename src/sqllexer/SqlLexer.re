@@ -10,7 +10,7 @@ namespace velmor::sql {
   re2c:define:YYCURSOR = cur;
   re2c:define:YYMARKER = mar;
   re2c:define:YYLIMIT = lim;
-  re2c:define:YYFILL = "fill(lim, tok) == 0";
+  re2c:define:YYFILL = "fill(cur, mar, tok, lim) == 0";
   re2c:define:YYFILL:naked = 1;
   re2c:eof = 0;
   re2c:indent:top = 2;
@@ -34,7 +34,7 @@ bool Lexer::next(Token& token) {
 
   const unsigned char* cur = mCursor;
   const unsigned char* mar = cur;
-  const unsigned char* lim = mWindowLimit;
+  const unsigned char* lim = mLimit;
   const unsigned char* tok = cur;
   std::uint32_t id = T_UNINITIALIZED;
 

@@ -181,6 +181,26 @@ TEST(LexemeSize, LongTextsOfShortLexemesScanIntact) {
   }
 }
 
+TEST(LexemeSize, LexemesAcrossTheWindowsEdgeScanAsAlone) {
+  // A text longer than the window is read through it piece by piece; lexemes that straddle a
+  // refill, fallbacks included, must come out as they do in a short text.
+  const std::string tail = "1e+5 1e+ 'a' 'b 1.2.3 is \t notable [a b] \xC3\xA9t\xC3\xA9 <=> 'x''y' \"z\"";
+  const auto expected = tokenize(tail);
+  for (std::size_t shift = 0; shift < 24; ++shift) {
+    std::string text;
+    while (text.size() + 2 <= window - shift) text += "a ";
+    text.append(window - shift - text.size(), ' ');
+    text += tail;
+    const auto tokens = tokenize(text);
+    ASSERT_GE(tokens.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+      const ScannedToken& got = tokens[tokens.size() - expected.size() + i];
+      EXPECT_EQ(got.id, expected[i].id) << shift << ' ' << i;
+      EXPECT_EQ(got.text, expected[i].text) << shift << ' ' << i;
+    }
+  }
+}
+
 // Random bytes, biased towards the ones that steer the automaton, never crash it and always
 // end in <TERMINATION> with positions that only move forward.
 TEST(RandomInput, NoCrashAndOrderedPositions) {
