@@ -7,4 +7,5 @@
 #include <velmor/sql/ast/ASTStringValue.h>
 #include <velmor/sql/ast/TernaryLogic.h>
 #include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/sqllexer/Tokens.h>
