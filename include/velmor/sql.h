@@ -5,5 +5,7 @@
 #include <velmor/sql/Export.h>
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/ast/ASTStringValue.h>
+#include <velmor/sql/ast/EnumNames.h>
 #include <velmor/sql/ast/TernaryLogic.h>
+#include <velmor/sql/ast/Traversal.h>
 #include <velmor/sql/parser/SqlError.h>
