@@ -8,6 +8,7 @@
 #include <functional>
 #include <iostream>
 #include <sstream>
+#include <tuple>
 #include <typeinfo>
 
 namespace velmor::sql::ast::test {
@@ -29,17 +30,6 @@ public:
 
 enum class Outcome { Value, Null, BadType };
 
-struct NullFormCase {
-  const char* name;
-  Node node;
-  bool isNull;
-  bool isExpression;
-  Outcome accept;       // Value: accepted without exception
-  Outcome toExpression; // Value: gives a handle
-  Outcome nodeIsNumber; // Value: answers false
-  Outcome getNumber;    // Value: a default-made Number
-};
-
 template <class F>
 Outcome outcomeOf(F&& f) {
   try {
@@ -52,28 +42,25 @@ Outcome outcomeOf(F&& f) {
   }
 }
 
-class NullForms : public testing::TestWithParam<NullFormCase> {};
-
-TEST_P(NullForms, Answer) {
-  const auto& c = GetParam();
-  EXPECT_EQ(c.node.isNull(), c.isNull);
-  EXPECT_EQ(c.node.isExpression(), c.isExpression);
-  Counter counter;
-  EXPECT_EQ(outcomeOf([&] { c.node.accept(counter); }), c.accept);
-  EXPECT_EQ(counter.mCalls, 0) << "a null node reaches no slot, not even faultAction";
-  EXPECT_EQ(outcomeOf([&] { (void)c.node.toExpression(); }), c.toExpression);
-  EXPECT_EQ(outcomeOf([&] { EXPECT_FALSE(nodeIs<Number>(c.node)); }), c.nodeIsNumber);
-  EXPECT_EQ(outcomeOf([&] { EXPECT_TRUE(getNodeValue<Number>(c.node).text.empty()); }), c.getNumber);
+TEST(Node, TwoNullForms) {
+  // isNull, isExpression, then the outcome of accept, toExpression, nodeIs (false when it
+  // answers) and getNodeValue (a default-made record when it answers).
+  const std::tuple<const char*, Node, bool, bool, Outcome, Outcome, Outcome, Outcome> cases[] = {
+      {"empty handle", Node(), true, false, Outcome::Null, Outcome::BadType, Outcome::Null, Outcome::Null},
+      {"EmptyNode", makeEmptyNode(), true, false, Outcome::Value, Outcome::BadType, Outcome::Value,
+       Outcome::Value}};
+  for (const auto& [name, node, isNull, isExpression, accept, toExpression, is, get] : cases) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(node.isNull(), isNull);
+    EXPECT_EQ(node.isExpression(), isExpression);
+    Counter counter;
+    EXPECT_EQ(outcomeOf([&] { node.accept(counter); }), accept);
+    EXPECT_EQ(counter.mCalls, 0) << "a null node reaches no slot, not even faultAction";
+    EXPECT_EQ(outcomeOf([&] { (void)node.toExpression(); }), toExpression);
+    EXPECT_EQ(outcomeOf([&] { EXPECT_FALSE(nodeIs<Number>(node)); }), is);
+    EXPECT_EQ(outcomeOf([&] { EXPECT_TRUE(getNodeValue<Number>(node).text.empty()); }), get);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Node, NullForms,
-    testing::Values(
-        NullFormCase{"EmptyHandle", Node(), true, false, Outcome::Null, Outcome::BadType,
-                     Outcome::Null, Outcome::Null},
-        NullFormCase{"EmptyNodeRecord", makeEmptyNode(), true, false, Outcome::Value,
-                     Outcome::BadType, Outcome::Value, Outcome::Value}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 TEST(Node, OneKindAccess) {
   const Node number = num(L"7");
@@ -108,16 +95,6 @@ TEST(NodeVisitor, FaultActionNamesTheDynamicVisitorClass) {
   EXPECT_NE(captured.str().front(), '*');
 }
 
-struct OperationCase {
-  const char* name;
-  std::size_t operands;
-  bool unary;
-  const char* left; // "null" for an empty handle, "throws" for std::out_of_range
-  const char* right;
-};
-
-class Operations : public testing::TestWithParam<OperationCase> {};
-
 std::string describe(const std::function<ExpressionNode()>& get) {
   try {
     const ExpressionNode node = get();
@@ -127,23 +104,20 @@ std::string describe(const std::function<ExpressionNode()>& get) {
   }
 }
 
-TEST_P(Operations, Accessors) {
-  const auto& c = GetParam();
-  std::vector<ExpressionNode> operands;
+TEST(Operation, AccessorsByOperandCount) {
+  // Operand count, unary(), left(), right(); "null" is an empty handle.
+  const std::tuple<std::size_t, bool, const char*, const char*> cases[] = {
+      {0, false, "throws", "throws"}, {1, true, "null", "x"}, {2, false, "x", "y"}, {3, false, "x", "y"}};
   const wchar_t* names[] = {L"x", L"y", L"z"};
-  for (std::size_t i = 0; i < c.operands; ++i) operands.push_back(num(names[i]));
-  const Operation op(OperationCode::Not, operands);
-  EXPECT_EQ(op.unary(), c.unary);
-  EXPECT_EQ(describe([&] { return op.left(); }), c.left);
-  EXPECT_EQ(describe([&] { return op.right(); }), c.right);
+  for (const auto& [count, unary, left, right] : cases) {
+    std::vector<ExpressionNode> operands;
+    for (std::size_t i = 0; i < count; ++i) operands.push_back(num(names[i]));
+    const Operation op(OperationCode::Not, operands);
+    EXPECT_EQ(op.unary(), unary) << count;
+    EXPECT_EQ(describe([&] { return op.left(); }), left) << count;
+    EXPECT_EQ(describe([&] { return op.right(); }), right) << count;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Operation, Operations,
-                         testing::Values(OperationCase{"None", 0, false, "throws", "throws"},
-                                         OperationCase{"One", 1, true, "null", "x"},
-                                         OperationCase{"Two", 2, false, "x", "y"},
-                                         OperationCase{"Three", 3, false, "x", "y"}),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST(QuerySpecification, EqualOnlyWhenChildrenAreTheSameNodes) {
   QuerySpecification q;
@@ -178,40 +152,17 @@ TEST(FromSource, DefaultValuesForBothNullForms) {
   EXPECT_FALSE((FromSource{{}, Overriding::None, num(L"1")}.defaultValues()));
 }
 
-struct NameCase {
-  const char* actual;
-  const char* expected; // nullptr: no name
-};
-
 TEST(EnumNames, NamesAndGaps) {
-  const NameCase cases[] = {
-      {enumName(OperationCode::Invalid), "Invalid"},
-      {enumName(OperationCode::Plus), "Plus"},
-      {enumName(OperationCode::NotEntirelyWithin), "NotEntirelyWithin"},
-      {enumName(static_cast<OperationCode>(51)), nullptr},
-      {enumName(static_cast<OperationCode>(-1)), nullptr},
-      {enumName(Join::LeftOuter), "LeftOuter"},
-      {enumName(NumberKind::Integer), "Integer"},
-      {enumName(SetQuantifier::Unspecified), "Unspecified"},
-      {enumName(NullOrdering::Last), "Last"},
-      {enumName(static_cast<NullOrdering>(3)), nullptr},
-      {enumName(Value::Default), "Default"},
-      {enumName(Overriding::System), "System"},
-      {enumName(Quantifier::Any), "Any"},
-      {enumName(QueryOperationCode::Intersect), "Intersect"},
-      {enumName(TernaryLogic::Unknown), "Unknown"},
-      {recordName(makeNode(SetClause{})), "SetClause"},
-      {recordName(makeEmptyNode()), "EmptyNode"},
-      {recordName(Node()), nullptr},
-  };
-  for (const auto& c : cases) {
-    if (c.expected == nullptr)
-      EXPECT_EQ(c.actual, nullptr);
-    else
-      EXPECT_STREQ(c.actual, c.expected);
-  }
+  EXPECT_STREQ(enumName(OperationCode::Plus), "Plus");
+  EXPECT_STREQ(enumName(Join::LeftOuter), "LeftOuter");
+  EXPECT_STREQ(enumName(SetQuantifier::Unspecified), "Unspecified");
+  EXPECT_STREQ(recordName(makeEmptyNode()), "EmptyNode");
+  EXPECT_STREQ(recordName(makeNode(SetClause{})), "SetClause");
+  EXPECT_EQ(recordName(Node()), nullptr);
+  EXPECT_EQ(enumName(static_cast<NullOrdering>(3)), nullptr);
   for (int code = 0; code <= 50; ++code)
     EXPECT_NE(enumName(static_cast<OperationCode>(code)), nullptr) << code;
+  EXPECT_EQ(enumName(static_cast<OperationCode>(51)), nullptr) << "custom operators have no name";
 }
 
 std::vector<std::string> seenAssertions;
