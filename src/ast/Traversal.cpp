@@ -16,11 +16,23 @@ void appendAll(Out& out, const std::vector<H>& nodes) {
   for (const auto& node : nodes) out.push_back(node);
 }
 
-// Leaves: ColumnReference, ContextuallyTypedValueSpecification, ExplicitTable, IntoClause,
-// LimitSpecification, NamedColumnsJoin, Number, QualifiedAsterisk, String, TablePrimary,
-// TernaryLogicNode.
-template <class Out, class T>
-void appendChildren(Out&, const T&) {}
+// Leaves are listed one by one, so that a record kind added to the list without a children
+// rule fails to compile here instead of silently hiding its subtree from every walk.
+#define VELMOR_SQL_LEAF(Name)                                                                      \
+  template <class Out>                                                                             \
+  void appendChildren(Out&, const Name&) {}
+VELMOR_SQL_LEAF(ColumnReference)
+VELMOR_SQL_LEAF(ContextuallyTypedValueSpecification)
+VELMOR_SQL_LEAF(ExplicitTable)
+VELMOR_SQL_LEAF(IntoClause)
+VELMOR_SQL_LEAF(LimitSpecification)
+VELMOR_SQL_LEAF(NamedColumnsJoin)
+VELMOR_SQL_LEAF(Number)
+VELMOR_SQL_LEAF(QualifiedAsterisk)
+VELMOR_SQL_LEAF(String)
+VELMOR_SQL_LEAF(TablePrimary)
+VELMOR_SQL_LEAF(TernaryLogicNode)
+#undef VELMOR_SQL_LEAF
 
 // DeleteStatement, FromSource and JoinNode hand on their optional part unchecked: the parser
 // stores an EmptyNode there, which the walk passes without a visit.

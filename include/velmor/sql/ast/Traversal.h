@@ -56,6 +56,7 @@ VELMOR_SQL_API std::vector<Node> children(const Node& node);
 /// inside a visit of the same object ends the outer one. Use a second object for a sub-walk.
 /// A handle with an empty implementation in the tree makes the walk throw NullNodeException;
 /// an exception out of a visit leaves the remaining work list until the next walk.
+/// A walker belongs to one thread; any number of walkers may read one tree at once.
 class VELMOR_SQL_API TraversalVisitor : public NodeVisitor {
 public:
   /// Walks the tree of `node`; hides NodeVisitor::doVisit.
