@@ -38,7 +38,7 @@ using FullTypeFunction = std::function<std::shared_ptr<Type>(const std::vector<s
 ///
 /// Parameter at position i (from 0), with r required and o optional parameters: required i for
 /// i < r; optional i - r for i < r + o; beyond that the last required parameter when variadic
-/// (a variadic overload needs at least one required parameter, which is not checked), else Fault.
+/// (a variadic overload without required parameters repeats nothing), else Fault.
 class VELMOR_SQL_API OverloadInfo {
 public:
   /// Takes the vectors and the function over by move.
