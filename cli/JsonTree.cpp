@@ -3,6 +3,8 @@
 
 #include "Utf8.h"
 
+#include <velmor/sql/ast/EnumNames.h>
+
 #include <string>
 #include <vector>
 
@@ -12,100 +14,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 namespace ast = sql::ast;
 
-const char* name(sql::OperationCode code) {
-  switch (code) {
-#define VELMOR_SQL_OPERATION(Name, Number, Text) \
-  case sql::OperationCode::Name:                 \
-    return #Name;
-#include <velmor/sql/ast/OperationCodes.def>
-  }
-  return "?";
-}
-
-const char* name(ast::Quantifier value) {
-  switch (value) {
-    case ast::Quantifier::None: return "None";
-    case ast::Quantifier::All: return "All";
-    case ast::Quantifier::Any: return "Any";
-  }
-  return "?";
-}
-
-const char* name(ast::SetQuantifier value) {
-  switch (value) {
-    case ast::SetQuantifier::Unspecified: return "Unspecified";
-    case ast::SetQuantifier::Distinct: return "Distinct";
-    case ast::SetQuantifier::All: return "All";
-  }
-  return "?";
-}
-
-const char* name(ast::Join value) {
-  switch (value) {
-    case ast::Join::Cross: return "Cross";
-    case ast::Join::Inner: return "Inner";
-    case ast::Join::LeftOuter: return "LeftOuter";
-    case ast::Join::RightOuter: return "RightOuter";
-    case ast::Join::FullOuter: return "FullOuter";
-  }
-  return "?";
-}
-
-const char* name(ast::Value value) {
-  switch (value) {
-    case ast::Value::Null: return "Null";
-    case ast::Value::Array: return "Array";
-    case ast::Value::Multiset: return "Multiset";
-    case ast::Value::Default: return "Default";
-  }
-  return "?";
-}
-
-const char* name(ast::QueryOperationCode value) {
-  switch (value) {
-    case ast::QueryOperationCode::Union: return "Union";
-    case ast::QueryOperationCode::Except: return "Except";
-    case ast::QueryOperationCode::Intersect: return "Intersect";
-  }
-  return "?";
-}
-
-const char* name(ast::Overriding value) {
-  switch (value) {
-    case ast::Overriding::None: return "None";
-    case ast::Overriding::User: return "User";
-    case ast::Overriding::System: return "System";
-  }
-  return "?";
-}
-
-const char* name(ast::NullOrdering value) {
-  switch (value) {
-    case ast::NullOrdering::Unspecified: return "Unspecified";
-    case ast::NullOrdering::First: return "First";
-    case ast::NullOrdering::Last: return "Last";
-  }
-  return "?";
-}
-
-const char* name(ast::NumberKind value) {
-  switch (value) {
-    case ast::NumberKind::Integer: return "Integer";
-    case ast::NumberKind::Exact: return "Exact";
-    case ast::NumberKind::Approximate: return "Approximate";
-  }
-  return "?";
-}
-
-const char* name(sql::TernaryLogic value) {
-  switch (value.value()) {
-    case sql::TernaryLogic::False: return "False";
-    case sql::TernaryLogic::Unknown: return "Unknown";
-    case sql::TernaryLogic::True: return "True";
-  }
-  return "?";
-}
-
 Json toJson(const ast::Node& node);
 
 Json toJson(const std::wstring& text) { return toUtf8(text); }
@@ -114,9 +22,9 @@ Json toJson(const sql::ASTStringValue& value) { return toUtf8(value.value()); }
 template <class E>
   requires std::is_enum_v<E>
 Json toJson(E value) {
-  return name(value);
+  return ast::enumName(value);
 }
-Json toJson(sql::TernaryLogic value) { return name(value); }
+Json toJson(sql::TernaryLogic value) { return ast::enumName(value.value()); }
 
 // Each record's fields in their order; a record held by value is printed where it stands.
 #define VELMOR_FIELD(field) object[#field] = toJson(record.field);
