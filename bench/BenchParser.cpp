@@ -1,6 +1,9 @@
 // Parses every statement of the benchmark corpus from memory, one tree at a time.
 #include <velmor/sql/parser/SqlParser.h>
 
+#include "parser/SqlParserPrivate.h"
+#include "sqllexer/SqlLexer.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -42,6 +45,20 @@ void BM_ParseCorpus(benchmark::State& state) {
   state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * corpus.size()));
 }
 BENCHMARK(BM_ParseCorpus)->Unit(benchmark::kMillisecond);
+
+// The fixed cost of one parse: scanner and automaton with its initial stack, built and destroyed.
+void BM_AutomatonSetup(benchmark::State& state) {
+  const velmor::sql::ParseContext context;
+  const std::string text;
+  std::vector<std::shared_ptr<velmor::sql::SqlError>> errors;
+  for (auto _ : state) {
+    velmor::sql::ast::Node result;
+    velmor::sql::SqlLexer lexer(text, &errors);
+    velmor::sql::SqlParserPrivate automaton(lexer, result, context, &errors);
+    benchmark::DoNotOptimize(&automaton);
+  }
+}
+BENCHMARK(BM_AutomatonSetup);
 
 } // namespace
 

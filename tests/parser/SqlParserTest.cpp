@@ -50,6 +50,14 @@ TEST_F(SqlParserTest, ErrorPositionsFollowLinesAndTabs) {
   EXPECT_STREQ(mParser.errors[0]->what(), "syntax error, unexpected T_FROM at 1:9");
 }
 
+TEST_F(SqlParserTest, DebugTraceWritesTheTokens) {
+  EXPECT_FALSE(mParser.debugTrace);
+  mParser.debugTrace = true;
+  ::testing::internal::CaptureStderr();
+  EXPECT_TRUE(mParser.parse("SELECT a FROM t"));
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "SELECT \nIDENTIFIER a\nFROM \nIDENTIFIER t\n<TERMINATION> \n");
+}
+
 TEST_F(SqlParserTest, TextAfterNulIsNotRead) {
   EXPECT_TRUE(mParser.parse(std::string("SELECT a FROM t \0 garbage", 25)));
   // The name under way at the NUL is dropped with it.
