@@ -134,6 +134,10 @@ bool Lexer::next(Token& token) {
       // The whitespace inside is part of the token; the match stops right after "not".
       'is' WS+ 'not' { id = T_ISNOT; goto spaced; }
 
+      // The ASCII forms come first only so that their column count is the byte count; any
+      // longer match of the general forms still wins.
+      [a-zA-Z_] [a-zA-Z0-9_$]*    { id = T_IDENTIFIER; goto asciiWord; }
+      [0-9]+                      { id = T_INTEGER_NUMBER; goto asciiWord; }
       IDSTART IDCONT*             { id = T_IDENTIFIER; goto word; }
       "[" IDSTART IDCONT* "]"     { id = T_IDENTIFIER; goto bracketed; }
       INTEGER                     { id = T_INTEGER_NUMBER; goto word; }
@@ -192,6 +196,14 @@ bracketed:
   token.text.assign(reinterpret_cast<const char*>(tok) + 1, static_cast<std::size_t>(cur - tok - 2));
   setToken(token, id);
   advanceInLine(tok, cur);
+  mCursor = cur;
+  return true;
+
+asciiWord:
+  if (mStatus != Status::Good) goto ended;
+  token.text.assign(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
+  setToken(token, id);
+  mColumn += static_cast<int>(cur - tok);
   mCursor = cur;
   return true;
 
