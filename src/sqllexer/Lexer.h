@@ -16,8 +16,10 @@ struct Token {
   virtual ~Token() = default;
 
   /// UTF-8 bytes of the token's text: the lexeme of an identifier, number or string (a
-  /// bracketed identifier without its brackets); empty for every other token.
-  std::string text;
+  /// bracketed identifier without its brackets); empty for every other token. It points into
+  /// the scanner's input and stays valid until the scanner is asked for the next token, so
+  /// that no token copies its bytes: the wide text that the parser keeps is the only copy.
+  std::string_view text;
   std::uint32_t id = T_UNINITIALIZED;
   int line = 1;
   int column = 1;

@@ -15,7 +15,7 @@ int SqlLexer::lex(std::wstring* semantic, Location* location) {
   VELMOR_SQL_ASSERT(semantic != nullptr, "SqlLexer");
 
   if (!next(mToken)) {
-    mToken.text.clear();
+    mToken.text = {};
     mToken.id = T_TERMINATION;
     mToken.line = line();
     mToken.column = column();

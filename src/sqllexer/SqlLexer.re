@@ -177,7 +177,7 @@ ended:
 plain:
   // Keywords and operators: ASCII without tabs or line breaks.
   if (mStatus != Status::Good) goto ended;
-  token.text.clear();
+  token.text = {};
   setToken(token, id);
   mColumn += static_cast<int>(cur - tok);
   mCursor = cur;
@@ -185,7 +185,7 @@ plain:
 
 spaced:
   if (mStatus != Status::Good) goto ended;
-  token.text.clear();
+  token.text = {};
   setToken(token, id);
   advance(tok, cur);
   mCursor = cur;
@@ -193,7 +193,7 @@ spaced:
 
 bracketed:
   if (mStatus != Status::Good) goto ended;
-  token.text.assign(reinterpret_cast<const char*>(tok) + 1, static_cast<std::size_t>(cur - tok - 2));
+  token.text = std::string_view(reinterpret_cast<const char*>(tok) + 1, static_cast<std::size_t>(cur - tok - 2));
   setToken(token, id);
   advanceInLine(tok, cur);
   mCursor = cur;
@@ -201,7 +201,7 @@ bracketed:
 
 asciiWord:
   if (mStatus != Status::Good) goto ended;
-  token.text.assign(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
+  token.text = std::string_view(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
   setToken(token, id);
   mColumn += static_cast<int>(cur - tok);
   mCursor = cur;
@@ -210,7 +210,7 @@ asciiWord:
 word:
   // Names and numbers hold no tabs or line breaks.
   if (mStatus != Status::Good) goto ended;
-  token.text.assign(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
+  token.text = std::string_view(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
   setToken(token, id);
   advanceInLine(tok, cur);
   mCursor = cur;
@@ -218,7 +218,7 @@ word:
 
 text:
   if (mStatus != Status::Good) goto ended;
-  token.text.assign(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
+  token.text = std::string_view(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
   setToken(token, id);
   advance(tok, cur);
   mCursor = cur;
