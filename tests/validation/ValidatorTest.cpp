@@ -140,6 +140,8 @@ TEST(Validator, ExceptionsThatAreNoSqlErrorPassThrough) {
   EXPECT_THROW(validator.validate(query("SELECT nosuch.* FROM cities WHERE nomemory()")), std::bad_alloc);
   EXPECT_THROW(validator.validate(parseAs<ast::UpdateStatement>("UPDATE cities SET id = boom()")), std::runtime_error);
   EXPECT_THROW(validator.validate(query("SELECT CAST(id AS varchar(id)) FROM cities")), ast::BadNodeTypeException);
+  EXPECT_THROW(validator.validate(query("SELECT CAST(id AS varchar(99999999999999999999999)) FROM cities")),
+               std::out_of_range);
   // An empty handle inside an expression of a hand-made tree.
   auto broken = query("SELECT nosuch.* FROM cities");
   broken.where = ast::makeNode<ast::ExpressionNode>(ast::Operation(OperationCode::Not, {ast::ExpressionNode()}));
