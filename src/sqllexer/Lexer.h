@@ -16,8 +16,10 @@ struct Token {
   virtual ~Token() = default;
 
   /// UTF-8 bytes of the token's text: the lexeme of an identifier, number or string (a
-  /// bracketed identifier without its brackets); empty for every other token.
-  std::string text;
+  /// bracketed identifier without its brackets); empty for every other token. It points into
+  /// the scanner's input and stays valid until the scanner is asked for the next token, so
+  /// that no token copies its bytes: the wide text that the parser keeps is the only copy.
+  std::string_view text;
   std::uint32_t id = T_UNINITIALIZED;
   int line = 1;
   int column = 1;
@@ -56,9 +58,9 @@ public:
   int line() const { return mLine; }
   int column() const { return mColumn; }
 
-  /// Appends the UTF-16 units of well-formed UTF-8 `bytes` to `out`; lead bytes are taken at
-  /// face value and nothing is checked, since the automaton accepted the bytes already.
-  static void appendWide(std::string_view bytes, std::wstring& out);
+  /// Replaces `out` with the UTF-16 units of well-formed UTF-8 `bytes`; lead bytes are taken
+  /// at face value and nothing is checked, since the automaton accepted the bytes already.
+  static void assignWide(std::string_view bytes, std::wstring& out);
 
 private:
   /// Called by the automaton when it reaches `limit`. With text left beyond the window, moves

@@ -15,16 +15,14 @@ int SqlLexer::lex(std::wstring* semantic, Location* location) {
   VELMOR_SQL_ASSERT(semantic != nullptr, "SqlLexer");
 
   if (!next(mToken)) {
-    mToken.text.clear();
+    mToken.text = {};
     mToken.id = T_TERMINATION;
     mToken.line = line();
     mToken.column = column();
   }
 
   if (carriesText(mToken.id)) {
-    std::wstring& wide = semantic ? *semantic : mScratch;
-    wide.clear();
-    appendWide(mToken.text, wide);
+    assignWide(mToken.text, semantic ? *semantic : mScratch);
   }
 
   if (mTrace) {

@@ -35,7 +35,7 @@ public:
   void setTrace(bool on) { mTrace = on; }
   bool trace() const { return mTrace; }
 
-  /// The last token that lex() returned.
+  /// The last token that lex() returned; its text is valid until the next call of lex().
   const Token& token() const { return mToken; }
 
 private:

@@ -39,6 +39,12 @@ bool Lexer::next(Token& token) {
   std::uint32_t id = T_UNINITIALIZED;
 
   for (;;) {
+    // A lone blank before a printable ASCII character is a whole lexeme, and by far the
+    // commonest one; it needs no trip through the automaton. (The sentinel is below ' '.)
+    if (cur[0] == ' ' && cur[1] > ' ' && cur[1] < 0x80) {
+      ++cur;
+      ++mColumn;
+    }
     tok = cur;
     /*!re2c
       $ {
@@ -46,7 +52,6 @@ bool Lexer::next(Token& token) {
         goto ended;
       }
       * { cur = tok + 1; goto skipped; }
-      // A lone blank is by far the commonest lexeme, so it skips the general count.
       " " { if (mStatus != Status::Good) goto ended; ++mColumn; continue; }
       WS+ { goto skipped; }
 
@@ -134,6 +139,10 @@ bool Lexer::next(Token& token) {
       // The whitespace inside is part of the token; the match stops right after "not".
       'is' WS+ 'not' { id = T_ISNOT; goto spaced; }
 
+      // The ASCII forms come first only so that their column count is the byte count; any
+      // longer match of the general forms still wins.
+      [a-zA-Z_] [a-zA-Z0-9_$]*    { id = T_IDENTIFIER; goto asciiWord; }
+      [0-9]+                      { id = T_INTEGER_NUMBER; goto asciiWord; }
       IDSTART IDCONT*             { id = T_IDENTIFIER; goto word; }
       "[" IDSTART IDCONT* "]"     { id = T_IDENTIFIER; goto bracketed; }
       INTEGER                     { id = T_INTEGER_NUMBER; goto word; }
@@ -173,7 +182,7 @@ ended:
 plain:
   // Keywords and operators: ASCII without tabs or line breaks.
   if (mStatus != Status::Good) goto ended;
-  token.text.clear();
+  token.text = {};
   setToken(token, id);
   mColumn += static_cast<int>(cur - tok);
   mCursor = cur;
@@ -181,7 +190,7 @@ plain:
 
 spaced:
   if (mStatus != Status::Good) goto ended;
-  token.text.clear();
+  token.text = {};
   setToken(token, id);
   advance(tok, cur);
   mCursor = cur;
@@ -189,16 +198,24 @@ spaced:
 
 bracketed:
   if (mStatus != Status::Good) goto ended;
-  token.text.assign(reinterpret_cast<const char*>(tok) + 1, static_cast<std::size_t>(cur - tok - 2));
+  token.text = std::string_view(reinterpret_cast<const char*>(tok) + 1, static_cast<std::size_t>(cur - tok - 2));
   setToken(token, id);
   advanceInLine(tok, cur);
+  mCursor = cur;
+  return true;
+
+asciiWord:
+  if (mStatus != Status::Good) goto ended;
+  token.text = std::string_view(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
+  setToken(token, id);
+  mColumn += static_cast<int>(cur - tok);
   mCursor = cur;
   return true;
 
 word:
   // Names and numbers hold no tabs or line breaks.
   if (mStatus != Status::Good) goto ended;
-  token.text.assign(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
+  token.text = std::string_view(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
   setToken(token, id);
   advanceInLine(tok, cur);
   mCursor = cur;
@@ -206,7 +223,7 @@ word:
 
 text:
   if (mStatus != Status::Good) goto ended;
-  token.text.assign(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
+  token.text = std::string_view(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
   setToken(token, id);
   advance(tok, cur);
   mCursor = cur;
