@@ -40,6 +40,8 @@ std::shared_ptr<OperatorOverloadInfo> o(std::vector<PlainType> parameters,
                                                 sample::returns(PlainType::Boolean), quantifier);
 }
 
+std::shared_ptr<OperatorOverloadInfo> oDate() { return o({PlainType::Date, PlainType::Date}); }
+
 // Columns of every numeric width: s SmallInt, i Integer, b BigInt, d Double (the sensors'
 // reading is Float), v VarChar.
 std::shared_ptr<ColumnInfoScope> numbers() {
@@ -173,6 +175,65 @@ TEST(OverloadResolutionTest, Operators) {
     host.addOperator(OperationCode::Multiply, c.list);
     EXPECT_EQ(chosenOperator(host, c.list, op(OperationCode::Multiply, c.operands, c.quantifier)), c.expected)
         << c.what;
+  }
+}
+
+// Which overloads each fault names, in which order.
+TEST(OverloadResolutionTest, CandidatesOfEachFault) {
+  using PT = PlainType;
+  ResolutionHost host;
+  const auto scope = numbers();
+  TypeInferer inferer(host, *scope);
+  const auto fInt = f({PT::Integer});
+  const auto fDouble = f({PT::Double});
+  const auto fInt2 = f({PT::Integer});
+  const auto fDate = f({PT::Date});
+  const auto call = [](std::vector<E> arguments) { return ast::Function{L"f", false, {}, std::move(arguments)}; };
+  const auto functions = std::make_shared<sample::SampleFunction>(FunctionKind::Ordinary,
+                                                                  Overloads{fDouble, fInt, fDate, fInt2});
+  try {
+    inferer.findOverload(call({col(L"i")}), functions, {sample::plain(PT::Integer)});
+    ADD_FAILURE();
+  } catch (const AmbiguousFunctionCall& e) {
+    EXPECT_EQ(e.candidates, (Overloads{fInt, fInt2, fDouble}));  // exact ones first
+    EXPECT_EQ(typesText(e.argumentTypes), "Integer");
+  }
+  try {
+    inferer.findOverload(call({col(L"v")}), functions, {sample::varchar(4)});
+    ADD_FAILURE();
+  } catch (const NoGoodFunctionCandidate& e) {
+    EXPECT_EQ(e.candidates, (Overloads{fDouble, fInt, fDate, fInt2}));
+    EXPECT_EQ(e.functionName, L"f");
+  }
+
+  const auto oInt = o({PT::Integer, PT::Integer});
+  const auto oDouble = o({PT::Double, PT::Double});
+  const auto oInt2 = o({PT::Integer, PT::Integer});
+  const auto oMixed = o({PT::Integer, PT::Double});
+  const auto oCrossed = o({PT::Double, PT::Integer});
+  const auto operators = [](OperatorOverloads list) { return std::make_shared<sample::SampleOperator>(std::move(list)); };
+  const ast::Operation times(OperationCode::Multiply, col(L"i"), col(L"i"));
+  const std::vector<std::shared_ptr<Type>> ints{sample::plain(PT::Integer), sample::plain(PT::Integer)};
+  const std::vector<std::shared_ptr<Type>> smalls{sample::plain(PT::SmallInt), sample::plain(PT::SmallInt)};
+  try {
+    inferer.findOperatorOverload(times, operators({oDouble, oInt, oInt2}), ints);
+    ADD_FAILURE();
+  } catch (const AmbiguousOperatorCall& e) {
+    EXPECT_EQ(e.candidates, (OperatorOverloads{oInt, oInt2}));
+    EXPECT_EQ(e.operation, OperationCode::Multiply);
+  }
+  try {
+    inferer.findOperatorOverload(times, operators({oDate(), oMixed, oCrossed}), smalls);
+    ADD_FAILURE();
+  } catch (const AmbiguousOperatorCall& e) {
+    EXPECT_EQ(e.candidates, (OperatorOverloads{oMixed, oCrossed}));  // the converted ones
+  }
+  try {
+    inferer.findOperatorOverload(times, operators({oInt, oDouble}), {sample::varchar(1), nullptr});
+    ADD_FAILURE();
+  } catch (const NoGoodOperatorOverload& e) {
+    EXPECT_EQ(e.candidates, (OperatorOverloads{oInt, oDouble}));
+    EXPECT_EQ(typesText(e.argumentTypes), "VarChar(1) -");
   }
 }
 
