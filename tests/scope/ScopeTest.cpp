@@ -151,11 +151,22 @@ TEST(ScopeTest, ExternalScopeAddedOnlyWhenThere) {
   EXPECT_TRUE(hollow.columnsForAsterisk(L"t").empty());
 }
 
-TEST(ScopeTest, FoldingIsIdempotentSoExactNamesNeedNoFolding) {
-  // isTableName compares a name written exactly as stored without folding it again.
-  for (unsigned unit = 1; unit < 0x10000; ++unit) {
-    const std::wstring once = normalized(std::wstring(1, static_cast<wchar_t>(unit)));
-    ASSERT_EQ(normalized(once), once) << unit;
+TEST(ScopeTest, TableNamesCompareAsFoldedNames) {
+  // Qualifiers in ASCII are compared without folding a copy; the rest must agree with normalized.
+  const TableInfoScope greek(ast::TablePrimary{L"\x03A3\x03C4", L"Kk"}, nullptr);
+  EXPECT_TRUE(greek.isTableName(L"\x03C3\x03C4"));
+  EXPECT_TRUE(greek.isTableName(L"\x03A3\x03A4"));
+  EXPECT_TRUE(greek.isTableName(L"KK"));
+  EXPECT_TRUE(greek.isTableName(L"\x212Ak"));  // the Kelvin sign folds to k
+  EXPECT_FALSE(greek.isTableName(L"k"));
+  EXPECT_FALSE(greek.isTableName(L""));
+  const TableInfoScope unnamed(ast::TablePrimary{L"", L""}, nullptr);
+  EXPECT_TRUE(unnamed.isTableName(L""));
+  EXPECT_TRUE(unnamed.columnInfo(L"", L"x").isNull());
+  for (unsigned unit = 1; unit < 0x80; ++unit) {
+    const std::wstring name(1, static_cast<wchar_t>(unit));
+    const TableInfoScope scope(ast::TablePrimary{name, L""}, nullptr);
+    EXPECT_TRUE(scope.isTableName(name) && scope.isTableName(normalized(name))) << unit;
   }
 }
 
