@@ -11,6 +11,7 @@
 #include <velmor/sql/inference/StringTypeInferer.h>
 #include <velmor/sql/inference/TypeInferer.h>
 #include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/scope/Scope.h>
 #include <velmor/sql/scope/ScopeBuilder.h>
 #include <velmor/sql/sqllexer/Tokens.h>
