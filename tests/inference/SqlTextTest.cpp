@@ -1,6 +1,4 @@
 // Result tables and select types of SQL texts, end to end through the parser.
-#if __has_include(<velmor/sql/parser/SqlParser.h>)
-
 #include "scope/Describe.h"
 #include "support/SampleHost.h"
 
@@ -112,5 +110,3 @@ TEST(SqlTextTest, SelectTypes) {
 
 } // namespace
 } // namespace velmor::sql::test
-
-#endif
