@@ -2,6 +2,10 @@
 #pragma once
 
 #include <velmor/sql/ast/AST.h>
+#include <velmor/sql/ast/Traversal.h>
+#include <velmor/sql/parser/SqlParser.h>
+
+#include <stdexcept>
 
 #include <string>
 #include <utility>
@@ -60,6 +64,15 @@ inline Q derived(Q query, std::wstring alias) {
 }
 inline Q unionOf(Q left, Q right) {
   return ast::makeNode<Q>(ast::QueryOperation{ast::QueryOperationCode::Union, true, std::move(left), std::move(right)});
+}
+
+/// The query of an SQL text; a text that doesn't parse to a query throws std::invalid_argument.
+inline ast::QuerySpecification parseQuery(const std::string& sql) {
+  struct NoContext : ParseContext {};
+  NoContext context;
+  SqlParser parser(context);
+  if (!parser.parse(sql)) throw std::invalid_argument("does not parse: " + sql);
+  return ast::getNodeValue<ast::QuerySpecification>(parser.result);
 }
 
 } // namespace velmor::sql::test
