@@ -39,12 +39,27 @@ std::vector<ColumnInfo> ColumnInfoScope::columnsInfo(const std::wstring& table, 
 TableInfoScope::TableInfoScope(const ast::TablePrimary& table, std::shared_ptr<TableInfo> tableInfo)
     : m_tableInfo(std::move(tableInfo)), m_tableName(normalized(table.table)), m_alias(normalized(table.alias)) {}
 
+namespace {
+
+// Whether normalized(name) equals `key`, which is folded already. Folding maps unit to unit and
+// keeps the length, and on ASCII it only lowers A-Z, so ASCII names (nearly all qualifiers)
+// compare without building a folded copy. This runs for every qualified reference at every
+// level of a join.
+bool sameName(const std::wstring& name, const std::wstring& key) {
+  if (name.size() != key.size()) return false;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    wchar_t unit = name[i];
+    if (unit >= 0x80) return normalized(name) == key;
+    if (unit >= L'A' && unit <= L'Z') unit = static_cast<wchar_t>(unit - L'A' + L'a');
+    if (unit != key[i]) return false;
+  }
+  return true;
+}
+
+} // namespace
+
 bool TableInfoScope::isTableName(const std::wstring& name) const {
-  // Folding is idempotent, so a name written exactly as stored needs no folding; that is the
-  // common case, and this runs for every qualified reference at every level of a join.
-  if (name == m_tableName || (!m_alias.empty() && name == m_alias)) return true;
-  const std::wstring key = normalized(name);
-  return key == m_tableName || (!m_alias.empty() && key == m_alias);
+  return sameName(name, m_tableName) || (!m_alias.empty() && sameName(name, m_alias));
 }
 
 ColumnInfo TableInfoScope::columnInfo(const std::wstring& table, const std::wstring& column) const {
