@@ -6,4 +6,7 @@
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/ast/ASTStringValue.h>
 #include <velmor/sql/ast/TernaryLogic.h>
+#include <velmor/sql/builder/Keywords.h>
+#include <velmor/sql/builder/RenameTableBuilder.h>
+#include <velmor/sql/builder/SqlStringBuilder.h>
 #include <velmor/sql/parser/SqlError.h>
