@@ -5,7 +5,9 @@
 
 #include <string>
 
-namespace velmor::sql::cli {
+namespace velmor::cli {
+
+using sql::OperationCode;
 
 /// Binding strength of a built-in operator, 1 (OR) to 16 (EXISTS, UNIQUE, CASE, CAST); 0 for
 /// the invalid code and for custom operators, which a catalogue may rank instead.
@@ -68,7 +70,7 @@ constexpr int defaultPrecedenceLevel(OperationCode code) {
 
 /// The tool's default StringBuildContext: the grammar's levels, and no custom operators (their
 /// text is "UNKNOWN_OPERATOR"). Stateless, so one instance may serve any number of builders.
-class DefaultStringBuildContext : public StringBuildContext {
+class DefaultStringBuildContext : public sql::StringBuildContext {
 public:
   int comparePrecedence(OperationCode inner, OperationCode outer) const override {
     return precedenceLevel(inner) - precedenceLevel(outer);
@@ -80,4 +82,4 @@ protected:
   virtual int precedenceLevel(OperationCode code) const { return defaultPrecedenceLevel(code); }
 };
 
-} // namespace velmor::sql::cli
+} // namespace velmor::cli

@@ -53,7 +53,7 @@ QueryExpressionNode setOp(QueryOperationCode code, QueryExpressionNode left, Que
 }
 
 // A context whose custom operator 51 is "<->" and ranks with the comparisons.
-class HostContext : public cli::DefaultStringBuildContext {
+class HostContext : public velmor::cli::DefaultStringBuildContext {
 public:
   std::wstring operatorToString(OperationCode code) const override {
     return static_cast<int>(code) == 51 ? L"<->" : L"?";
@@ -133,7 +133,7 @@ std::vector<TreeCase> treeCases() {
 }
 
 TEST(BuildTreesTest, WritesEachFormWithAndWithoutContext) {
-  const cli::DefaultStringBuildContext defaultContext;
+  const velmor::cli::DefaultStringBuildContext defaultContext;
   const HostContext hostContext;
   for (auto& c : treeCases()) {
     SqlStringBuilder withContext(&hostContext);
