@@ -203,6 +203,9 @@ TEST(BuildTreesTest, OutOfRangeValuesAreReportedAndLeaveTheStackInStep) {
 TEST(BuildTreesTest, NullHandlesThrowAndUnwrittenKindsKeepTheStack) {
   SqlStringBuilder builder(nullptr);
   EXPECT_THROW(builder.buildString(Node()), NullNodeException);
+  // ROW() parses to a row without values, which cannot be written.
+  EXPECT_THROW(builder.buildString(makeNode(RowValueExpression{})), std::out_of_range);
+  EXPECT_THROW(builder.buildString(makeNode(UpdateStatement{L"t", {}, ExpressionNode()})), std::out_of_range);
   testing::internal::CaptureStderr();
   builder.visit(LimitSpecification{});
   EXPECT_NE(testing::internal::GetCapturedStderr().find("should never call"), std::string::npos);
