@@ -6,20 +6,46 @@
 
 #include <cstdint>
 #include <string>
-#include <typeinfo>
+#include <type_traits>
 
 namespace velmor::sql::builder {
 
 inline constexpr const char* kSource = "SqlStringBuilder";
 
-/// The record kind of a node, asked without a visitor: the node classes are final, so the
-/// dynamic type identifies the kind. An empty handle throws as a visit would; a node of
-/// EmptyNode holds no kind.
+/// The record kinds, in slot order, and None for a node of EmptyNode.
+enum class Kind : unsigned char {
+  None,
+#define VELMOR_SQL_RECORD(Name, isExpr) Name,
+#include <velmor/sql/ast/Records.def>
+};
+
+/// Learns the record kind of a node with one dispatch.
+class KindVisitor final : public ast::NodeVisitor {
+public:
+#define VELMOR_SQL_RECORD(Name, isExpr)                                                            \
+  void visit(const ast::Name&) override { kind = Kind::Name; }
+#include <velmor/sql/ast/Records.def>
+  Kind kind = Kind::None;
+};
+
+/// The kind of `node`; an empty handle throws NullNodeException as any visit would.
+inline Kind kindOf(const ast::Node& node) {
+  KindVisitor visitor;
+  node.accept(visitor);
+  return visitor.kind;
+}
+
 template <class T>
 bool holds(const ast::Node& node) {
-  if (!node.mImpl) throw ast::NullNodeException();
-  const ast::NodeInterface& impl = *node.mImpl;
-  return typeid(impl) == typeid(ast::NodeImpl<T>);
+  KindVisitor visitor;
+  node.accept(visitor);
+  switch (visitor.kind) {
+#define VELMOR_SQL_RECORD(Name, isExpr)                                                            \
+  case Kind::Name: return std::is_same_v<T, ast::Name>;
+#include <velmor/sql/ast/Records.def>
+  case Kind::None: return false;
+  }
+  return false;
 }
 
 /// The record of a node already known to hold a T.

@@ -10,7 +10,6 @@
 
 namespace velmor::sql {
 
-using builder::holds;
 using builder::kSource;
 using builder::parenthesize;
 using builder::recordOf;
@@ -82,7 +81,7 @@ void SqlStringBuilder::processOperation(const ast::Operation& op, const Transfor
 
   // Operands go right, third, left: the left one's fragment stays on the stack and becomes
   // the operation's own.
-  doVisit(op.right());
+  doVisit(op.unary() ? op.operands.at(0) : op.operands.at(1));
   std::wstring right = std::move(mStack.top());
   mStack.pop();
   if (needParantheses(op, true)) parenthesize(right);
@@ -117,7 +116,7 @@ void SqlStringBuilder::processOperation(const ast::Operation& op, const Transfor
     transform(third);
   }
 
-  doVisit(op.left());
+  doVisit(op.operands[0]);
   std::wstring& top = mStack.top();
   if (needParantheses(op, false)) parenthesize(top);
 
@@ -159,9 +158,12 @@ bool SqlStringBuilder::needParantheses(const ast::Operation& op, bool right) con
   // The list or query behind IN always has its own parentheses; the value in front never.
   if (op.operation == OperationCode::In || op.operation == OperationCode::NotIn) return right;
 
-  const ast::ExpressionNode operandNode = right ? op.right() : op.left();
-  if (holds<ast::QuerySpecification>(operandNode)) return true;
-  if (!holds<ast::Operation>(operandNode)) return false;
+  // Operand 0 of a unary operator is its right side; the left side of a binary one is 0.
+  const ast::ExpressionNode& operandNode =
+      right ? op.operands.at(op.unary() ? 0 : 1) : op.operands.at(0);
+  const builder::Kind kind = builder::kindOf(operandNode);
+  if (kind == builder::Kind::QuerySpecification) return true;
+  if (kind != builder::Kind::Operation) return false;
   const ast::Operation& operand = recordOf<ast::Operation>(operandNode);
 
   if (op.unary())

@@ -54,8 +54,9 @@ std::wstring SqlStringBuilder::joinTypeToString(ast::Join type) {
 }
 
 bool SqlStringBuilder::needParantheses(const ast::QueryExpressionNode& node, bool right) {
-  if (right) return !holds<ast::TablePrimary>(node);
-  return holds<ast::QuerySpecification>(node) || holds<ast::ExplicitTable>(node);
+  const builder::Kind kind = builder::kindOf(node);
+  if (right) return kind != builder::Kind::TablePrimary;
+  return kind == builder::Kind::QuerySpecification || kind == builder::Kind::ExplicitTable;
 }
 
 bool SqlStringBuilder::needParantheses(const ast::QueryOperation& outer,

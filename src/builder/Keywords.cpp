@@ -58,7 +58,19 @@ Keywords::Keywords() {
 bool Keywords::isOf(const std::wstring& word) const {
   const std::size_t length = effectiveLength(word);
   if (length < kShortestWord || length > kLongestWord) return false;
-  return mWords.find(word) != mWords.end();
+  // Fold once, then compare with the stored words, which are lower case already. ASCII
+  // letters fold directly (towlower does the same to them); other units go through towlower.
+  wchar_t folded[kLongestWord];
+  for (std::size_t i = 0; i < length; ++i) {
+    const wchar_t unit = word[i];
+    if (unit >= L'A' && unit <= L'Z')
+      folded[i] = static_cast<wchar_t>(unit - L'A' + L'a');
+    else if (unit < 0x80)
+      folded[i] = unit;
+    else
+      folded[i] = static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(unit)));
+  }
+  return mWords.find(Folded{std::wstring_view(folded, length)}) != mWords.end();
 }
 
 std::wstring Keywords::escape(const std::wstring& word) const {

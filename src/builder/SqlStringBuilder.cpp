@@ -188,8 +188,9 @@ bool SqlStringBuilder::needParantheses(const ast::Node& node) {
 }
 
 bool SqlStringBuilder::needParantheses(const ast::QueryExpressionNode& node) {
-  return holds<ast::QueryOperation>(node) || holds<ast::QuerySpecification>(node) ||
-         holds<ast::ExplicitTable>(node);
+  const builder::Kind kind = builder::kindOf(node);
+  return kind == builder::Kind::QueryOperation || kind == builder::Kind::QuerySpecification ||
+         kind == builder::Kind::ExplicitTable;
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -5,6 +5,7 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 
 namespace velmor::sql {
 
@@ -26,9 +27,29 @@ public:
   /// Applies to one name component; nothing inside the word is examined or doubled.
   std::wstring escape(const std::wstring& word) const;
 
+  /// A word already folded to lower case and cut at its first NUL: a look-up key that
+  /// compares with the stored (lower-case) words without folding them again.
+  struct Folded {
+    std::wstring_view units;
+  };
+
   /// The order of the table: case-insensitive through towlower, ending at the first NUL.
   struct VELMOR_SQL_API Less {
+    using is_transparent = void;
     bool operator()(const std::wstring& left, const std::wstring& right) const noexcept;
+    bool operator()(const std::wstring& stored, Folded key) const noexcept {
+      return before(stored, key.units);
+    }
+    bool operator()(Folded key, const std::wstring& stored) const noexcept {
+      return before(key.units, stored);
+    }
+    // Plain lexicographic order of short texts, shorter first; cheaper than wmemcmp here.
+    static bool before(std::wstring_view left, std::wstring_view right) noexcept {
+      const std::size_t common = left.size() < right.size() ? left.size() : right.size();
+      for (std::size_t i = 0; i < common; ++i)
+        if (left[i] != right[i]) return left[i] < right[i];
+      return left.size() < right.size();
+    }
   };
 
 private:
