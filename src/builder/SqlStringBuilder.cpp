@@ -24,6 +24,8 @@ SqlStringBuilder::~SqlStringBuilder() = default;
 std::wstring SqlStringBuilder::buildString(const ast::Node& node) {
   const auto stackDepth = mStack.size();
   doVisit(node);
+  // A node of EmptyNode pushes nothing; its text is empty rather than a fragment not ours.
+  if (mStack.size() == stackDepth) return {};
   std::wstring result = std::move(mStack.top());
   mStack.pop();
   VELMOR_SQL_ASSERT(mStack.size() == stackDepth, kSource);

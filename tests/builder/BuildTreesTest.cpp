@@ -203,6 +203,7 @@ TEST(BuildTreesTest, OutOfRangeValuesAreReportedAndLeaveTheStackInStep) {
 TEST(BuildTreesTest, NullHandlesThrowAndUnwrittenKindsKeepTheStack) {
   SqlStringBuilder builder(nullptr);
   EXPECT_THROW(builder.buildString(Node()), NullNodeException);
+  EXPECT_EQ(builder.buildString(makeEmptyNode()), L"");
   // ROW() parses to a row without values, which cannot be written.
   EXPECT_THROW(builder.buildString(makeNode(RowValueExpression{})), std::out_of_range);
   EXPECT_THROW(builder.buildString(makeNode(UpdateStatement{L"t", {}, ExpressionNode()})), std::out_of_range);

@@ -46,8 +46,8 @@ public:
 
   /// The text of `node`. Re-entrant from a derived builder's own visit, since it measures
   /// the stack against the depth it finds. Throws ast::NullNodeException for an empty handle;
-  /// a node holding EmptyNode must not be passed (ask isNull first). Exceptions of a walk
-  /// leave fragments behind, which later calls tolerate.
+  /// a node holding EmptyNode has no text (ask isNull first; the result is then empty).
+  /// Exceptions of a walk leave fragments behind, which later calls tolerate.
   std::wstring buildString(const ast::Node& node);
 
   using ast::NodeVisitor::visit;
