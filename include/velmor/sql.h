@@ -5,8 +5,15 @@
 #include <velmor/sql/Export.h>
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/ast/ASTStringValue.h>
+#include <velmor/sql/ast/EnumNames.h>
 #include <velmor/sql/ast/TernaryLogic.h>
+#include <velmor/sql/ast/Traversal.h>
 #include <velmor/sql/builder/Keywords.h>
 #include <velmor/sql/builder/RenameTableBuilder.h>
 #include <velmor/sql/builder/SqlStringBuilder.h>
 #include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/types/Routine.h>
+#include <velmor/sql/types/Strings.h>
+#include <velmor/sql/types/Table.h>
+#include <velmor/sql/types/Type.h>
+#include <velmor/sql/validation/SemanticErrors.h>

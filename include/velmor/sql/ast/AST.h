@@ -331,7 +331,8 @@ class VELMOR_SQL_API NodeImpl final : public NodeInterface {
   static_assert(!std::is_same_v<T, Range>, "Range is a visitor slot only and has no node class");
 
 public:
-  explicit NodeImpl(T value) : mValue(std::move(value)) {}
+  explicit NodeImpl(const T& value) : mValue(value) {}
+  explicit NodeImpl(T&& value) : mValue(std::move(value)) {}
   bool isNull() const override { return false; }
   void accept(NodeVisitor& visitor) const override { visitor.visit(mValue); }
   bool isExpression() const override { return detail::IsExpressionKind<T>::value; }

@@ -10,7 +10,8 @@ class VELMOR_SQL_API TernaryLogic {
 public:
   /// Numbers are part of the public interface.
   enum Value : int { False = 0, Unknown = 1, True = 2 };
-  static const Value MaxValue = True;
+  /// The largest valid number; values above it are a programming error.
+  static constexpr Value MaxValue = True;
 
   /// Stores `value`, then asserts that it is at most MaxValue (source "TernaryLogic").
   TernaryLogic(Value value = Unknown); // NOLINT(google-explicit-constructor): a literal is a value
