@@ -3,6 +3,7 @@
 
 #include <velmor/sql/Assert.h>
 #include <velmor/sql/ast/AST.h>
+#include <velmor/sql/builder/Keywords.h>
 
 #include <cstdint>
 #include <string>
@@ -52,6 +53,17 @@ bool holds(const ast::Node& node) {
 template <class T>
 const T& recordOf(const ast::Node& node) {
   return static_cast<const ast::NodeImpl<T>&>(*node.mImpl).value();
+}
+
+/// Appends Keywords::escape(word) without making the escaped copy.
+inline void appendName(std::wstring& text, const std::wstring& word) {
+  if (Keywords::instance().isOf(word)) {
+    text += L'[';
+    text += word;
+    text += L']';
+  } else {
+    text += word;
+  }
 }
 
 inline void parenthesize(std::wstring& text) {

@@ -137,13 +137,14 @@ void SqlStringBuilder::processOperation(const ast::Operation& op, const Transfor
   std::wstring& left = transform(top);
   // The identity transform hands back the fragment itself, which is then extended in place.
   if (&left != &top) top = left;
+  const std::wstring quantifier =
+      op.quantifier == ast::Quantifier::None ? std::wstring() : quantifierToString(op.quantifier);
+  top.reserve(top.size() + opText.size() + quantifier.size() + right.size() + third.size() + 8);
   top += L' ';
   top += opText;
-  if (op.quantifier == ast::Quantifier::None) {
-    top += L' ';
-  } else {
-    top += L' ';
-    top += quantifierToString(op.quantifier);
+  top += L' ';
+  if (op.quantifier != ast::Quantifier::None) {
+    top += quantifier;
     top += L' ';
   }
   top += right;

@@ -2,6 +2,7 @@
 #include <velmor/sql/builder/Keywords.h>
 
 #include <array>
+#include <cstdint>
 #include <cwctype>
 
 namespace velmor::sql {
@@ -18,6 +19,34 @@ std::size_t effectiveLength(const std::wstring& word) noexcept {
 // Bounds of the words in the table; a name outside them needs no look-up.
 constexpr std::size_t kShortestWord = 2;
 constexpr std::size_t kLongestWord = 10;
+
+// The table, in lower case.
+constexpr std::array<const wchar_t*, 77> kWords = {
+    L"all",      L"and",        L"any",       L"array",     L"as",       L"asc",
+    L"between",  L"by",         L"case",      L"contains",  L"cross",    L"default",
+    L"delete",   L"desc",       L"distinct",  L"end",       L"entire",   L"entirely",
+    L"except",   L"exists",     L"false",     L"first",     L"from",     L"full",
+    L"glob",     L"group",      L"groupby",   L"having",    L"in",       L"inner",
+    L"insert",   L"intersect",  L"intersects", L"into",     L"is",       L"join",
+    L"last",     L"left",       L"like",      L"limit",     L"mod",      L"multiset",
+    L"natural",  L"noselect",   L"not",       L"null",      L"nulls",    L"on",
+    L"offset",   L"or",         L"order",     L"orderby",   L"outer",    L"overriding",
+    L"part",     L"partly",     L"right",     L"row",       L"select",   L"set",
+    L"some",     L"system",     L"table",     L"then",      L"true",     L"union",
+    L"unique",   L"unknown",    L"update",    L"user",      L"using",    L"value",
+    L"values",   L"when",       L"where",     L"within",    L"xor"};
+
+// For each length, the first letters that words of that length begin with: most names are
+// rejected by this before the set is searched.
+constexpr std::array<std::uint32_t, kLongestWord + 1> kFirstLetters = [] {
+  std::array<std::uint32_t, kLongestWord + 1> masks{};
+  for (const wchar_t* word : kWords) {
+    std::size_t length = 0;
+    while (word[length] != L'\0') ++length;
+    masks[length] |= 1u << (word[0] - L'a');
+  }
+  return masks;
+}();
 
 } // namespace
 
@@ -38,20 +67,6 @@ const Keywords& Keywords::instance() {
 }
 
 Keywords::Keywords() {
-  static constexpr std::array<const wchar_t*, 77> kWords = {
-      L"all",      L"and",        L"any",       L"array",     L"as",       L"asc",
-      L"between",  L"by",         L"case",      L"contains",  L"cross",    L"default",
-      L"delete",   L"desc",       L"distinct",  L"end",       L"entire",   L"entirely",
-      L"except",   L"exists",     L"false",     L"first",     L"from",     L"full",
-      L"glob",     L"group",      L"groupby",   L"having",    L"in",       L"inner",
-      L"insert",   L"intersect",  L"intersects", L"into",     L"is",       L"join",
-      L"last",     L"left",       L"like",      L"limit",     L"mod",      L"multiset",
-      L"natural",  L"noselect",   L"not",       L"null",      L"nulls",    L"on",
-      L"offset",   L"or",         L"order",     L"orderby",   L"outer",    L"overriding",
-      L"part",     L"partly",     L"right",     L"row",       L"select",   L"set",
-      L"some",     L"system",     L"table",     L"then",      L"true",     L"union",
-      L"unique",   L"unknown",    L"update",    L"user",      L"using",    L"value",
-      L"values",   L"when",       L"where",     L"within",    L"xor"};
   for (const wchar_t* word : kWords) mWords.emplace(word);
 }
 
@@ -70,6 +85,8 @@ bool Keywords::isOf(const std::wstring& word) const {
     else
       folded[i] = static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(unit)));
   }
+  if (folded[0] < L'a' || folded[0] > L'z' || (kFirstLetters[length] >> (folded[0] - L'a') & 1u) == 0)
+    return false;
   return mWords.find(Folded{std::wstring_view(folded, length)}) != mWords.end();
 }
 

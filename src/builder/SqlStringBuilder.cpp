@@ -11,6 +11,7 @@
 
 namespace velmor::sql {
 
+using builder::appendName;
 using builder::holds;
 using builder::kSource;
 using builder::parenthesize;
@@ -199,24 +200,23 @@ bool SqlStringBuilder::needParantheses(const ast::QueryExpressionNode& node) {
 // Leaves.
 
 void SqlStringBuilder::visit(const ast::ColumnReference& record) {
-  const Keywords& keywords = Keywords::instance();
-  if (record.table.empty()) {
-    mStack.push(keywords.escape(record.column));
-    return;
+  std::wstring text;
+  text.reserve(record.table.size() + record.column.size() + 5);
+  if (!record.table.empty()) {
+    appendName(text, record.table);
+    text += L'.';
   }
-  std::wstring text = keywords.escape(record.table);
-  text += L'.';
-  text += keywords.escape(record.column);
+  appendName(text, record.column);
   mStack.push(std::move(text));
 }
 
 void SqlStringBuilder::visit(const ast::QualifiedAsterisk& record) {
-  if (record.table.empty()) {
-    mStack.push(L"*");
-    return;
+  std::wstring text;
+  if (!record.table.empty()) {
+    appendName(text, record.table);
+    text += L'.';
   }
-  std::wstring text = Keywords::instance().escape(record.table);
-  text += L".*";
+  text += L'*';
   mStack.push(std::move(text));
 }
 
@@ -229,11 +229,12 @@ void SqlStringBuilder::visit(const ast::String& record) {
 }
 
 void SqlStringBuilder::visit(const ast::TablePrimary& record) {
-  const Keywords& keywords = Keywords::instance();
-  std::wstring text = keywords.escape(record.table);
+  std::wstring text;
+  text.reserve(record.table.size() + record.alias.size() + 8);
+  appendName(text, record.table);
   if (!record.alias.empty()) {
     text += L" AS ";
-    text += keywords.escape(record.alias);
+    appendName(text, record.alias);
   }
   mStack.push(std::move(text));
 }
@@ -251,7 +252,7 @@ void SqlStringBuilder::visit(const ast::DerivedColumn& record) {
   if (needParantheses(record.expression)) parenthesize(text);
   if (!record.alias.empty()) {
     text += L" AS ";
-    text += Keywords::instance().escape(record.alias);
+    appendName(text, record.alias);
   }
 }
 
