@@ -12,6 +12,7 @@
 #include <velmor/sql/parser/SqlParser.h>
 
 #include <cstdint>
+#include <exception>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -54,14 +55,21 @@ std::wstring fromUtf8(const std::string& bytes) {
 }
 
 // Parses the text and writes it with `builder`; syntax errors go to stderr, one per line.
+// A tree the writer cannot write (a row of no values) fails the same way, with its reason.
 int formatWith(sql::SqlStringBuilder& builder, const std::string& text) {
-  NoParseContext parseContext;
-  sql::SqlParser parser(parseContext);
-  if (!parser.parse(text)) {
-    for (const auto& error : parser.errors) std::cerr << error->what() << '\n';
+  std::string out;
+  try {
+    NoParseContext parseContext;
+    sql::SqlParser parser(parseContext);
+    if (!parser.parse(text)) {
+      for (const auto& error : parser.errors) std::cerr << error->what() << '\n';
+      return exitFailure;
+    }
+    out = toUtf8(builder.buildString(parser.result));
+  } catch (const std::exception& error) {
+    std::cerr << error.what() << '\n';
     return exitFailure;
   }
-  std::string out = toUtf8(builder.buildString(parser.result));
   out += '\n';
   std::cout.write(out.data(), static_cast<std::streamsize>(out.size()));
   std::cout.flush();
