@@ -12,6 +12,7 @@
 #include <velmor/sql/builder/RenameTableBuilder.h>
 #include <velmor/sql/builder/SqlStringBuilder.h>
 #include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/sqllexer/Tokens.h>
 #include <velmor/sql/types/Routine.h>
 #include <velmor/sql/types/Strings.h>
 #include <velmor/sql/types/Table.h>
