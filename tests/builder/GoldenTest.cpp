@@ -7,8 +7,6 @@
 //   = text with the tool's default context
 //   - text without a context, when it differs from the "=" line
 // Set VELMOR_REWRITE_GOLDEN=1 to rewrite the expectations from the current output.
-#if __has_include(<velmor/sql/parser/SqlParser.h>)
-
 #include "../../cli/DefaultContext.h"
 
 #include <velmor/sql/builder/RenameTableBuilder.h>
@@ -294,11 +292,3 @@ TEST(RoundTrip, BenchmarkCorpusIsAFixedPointAfterOneStep) {
 
 } // namespace
 } // namespace velmor::sql
-
-#else
-
-#include <gtest/gtest.h>
-
-TEST(Golden, NeedsTheParser) { GTEST_SKIP() << "the parser is not part of this tree yet"; }
-
-#endif
