@@ -235,8 +235,14 @@ public:
     const std::string without = format(*tree, mEntry, false);
     EXPECT_EQ(with, mEntry.withContext) << mEntry.input;
     EXPECT_EQ(without, mEntry.hasWithout ? mEntry.withoutContext : mEntry.withContext) << mEntry.input;
-    if (mEntry.rename || isRoundTripException(mEntry.input)) return;
+    if (mEntry.rename) return;
     Entry plain = mEntry;
+    if (isRoundTripException(mEntry.input)) {
+      // Keeps the list honest: an entry that does read back belongs in the plain cases.
+      const auto again = parse(with);
+      EXPECT_FALSE(again && format(*again, plain, true) == with) << "listed, yet reads back: " << with;
+      return;
+    }
     expectRoundTrip(with, plain, true);
     expectRoundTrip(without, plain, false);
   }
