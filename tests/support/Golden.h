@@ -1,0 +1,19 @@
+// Golden files: an input line, then its expectation on one or more lines starting with "=> ".
+// Lines starting with '#' and blank lines are kept as they are. Inputs may hold \n \t \r \0 \xHH
+// and \\ escapes (\e alone stands for the empty input); control characters in actual texts are written back the same way.
+// VELMOR_UPDATE_GOLDEN=1 rewrites every expectation from what the code gives now.
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace velmor::sql::test {
+
+/// What the code under test makes of one decoded input; lines of the result are separate
+/// expectation lines.
+using Describe = std::function<std::string(const std::string& input)>;
+
+/// Registers one test per input of data/<folder>/<file>, named after the file and its line.
+void registerGolden(const std::string& suite, const std::string& file, Describe describe);
+
+} // namespace velmor::sql::test
