@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <fstream>
 #include <memory>
 #include <vector>
@@ -63,12 +64,21 @@ std::string joined(const std::vector<std::string>& lines) {
   return out;
 }
 
+// An exception that escapes the code under test becomes the text, so that it shows in the diff.
+std::string describeSafely(const Describe& describe, const std::string& input) {
+  try {
+    return describe(input);
+  } catch (const std::exception& error) {
+    return std::string("uncaught exception: ") + error.what();
+  }
+}
+
 class GoldenCase : public testing::Test {
 public:
   GoldenCase(Describe describe, std::string input, std::string expected)
       : mDescribe(std::move(describe)), mInput(std::move(input)), mExpected(std::move(expected)) {}
   void TestBody() override {
-    EXPECT_EQ(joined(expectationLines(mDescribe(mInput))), mExpected) << "input: " << testing::PrintToString(mInput);
+    EXPECT_EQ(joined(expectationLines(describeSafely(mDescribe, mInput))), mExpected) << "input: " << testing::PrintToString(mInput);
   }
 
 private:
@@ -101,7 +111,7 @@ void registerGolden(const std::string& suite, const std::string& file, Describe 
     std::vector<std::string> expected;
     for (; i < lines.size() && lines[i].rfind(arrow, 0) == 0; ++i) expected.push_back(lines[i].substr(arrow.size()));
     const std::string input = unescape(line);
-    if (update) expected = expectationLines(describe(input));
+    if (update) expected = expectationLines(describeSafely(describe, input));
     for (const std::string& e : expected) rewritten.push_back(arrow + e);
     const std::string stem = file.substr(file.find_last_of('/') + 1, file.find_last_of('.') - file.find_last_of('/') - 1);
     const std::string name = stem + "_line" + std::to_string(lineNumber);
