@@ -6,7 +6,6 @@
 #include <velmor/sql/Assert.h>
 #include <velmor/sql/ast/AST.h>
 
-#include <cstdio>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -16,29 +15,6 @@ namespace {
 
 std::vector<std::string> seenAssertions;
 
-std::wstring wide(const std::string& text) {
-  std::wstring out;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text.compare(i, 2, "\\u") == 0 && i + 6 <= text.size()) {
-      out += static_cast<wchar_t>(std::stoul(text.substr(i + 2, 4), nullptr, 16));
-      i += 5;
-    } else {
-      out += static_cast<wchar_t>(static_cast<unsigned char>(text[i]));
-    }
-  }
-  return out;
-}
-
-std::string shown(const std::wstring& text) {
-  std::string out;
-  for (wchar_t unit : text) {
-    char escape[12];
-    std::snprintf(escape, sizeof escape, unit >= 0x20 && unit < 0x7F ? "%c" : "\\u%04X", static_cast<unsigned>(unit));
-    out += escape;
-  }
-  return out;
-}
-
 std::string literal(const std::string& input) {
   const std::string mode = input.substr(0, input.find(' '));
   const std::string rest = input.substr(mode.size() + 1);
@@ -47,7 +23,7 @@ std::string literal(const std::string& input) {
     const auto number = ast::Number{kind == "Integer" ? ast::NumberKind::Integer
                                     : kind == "Exact" ? ast::NumberKind::Exact
                                                       : ast::NumberKind::Approximate,
-                                    wide(rest.substr(kind.size() + 1))};
+                                    test::wideOf(rest.substr(kind.size() + 1))};
     try {
       return std::to_string(number.unsignedInteger());
     } catch (const std::invalid_argument& e) {
@@ -58,17 +34,17 @@ std::string literal(const std::string& input) {
   }
   if (mode == "text") {
     ASTStringValue value;
-    value.m_value = wide(rest);
+    value.m_value = test::wideOf(rest);
     const std::wstring text = value.toString();
-    return shown(text) + (ASTStringValue(L"'" + text + L"'").m_value == value.m_value ? " (reads back)" : "");
+    return test::shownOf(text) + (ASTStringValue(L"'" + text + L"'").m_value == value.m_value ? " (reads back)" : "");
   }
   seenAssertions.clear();
   const AssertionHandler previous =
       setAssertionHandler([](const char* expression, const char*) { seenAssertions.push_back(expression); });
   ASTStringValue value;
-  value.parse(wide(rest));
+  value.parse(test::wideOf(rest));
   setAssertionHandler(previous);
-  std::string out = shown(value.m_value);
+  std::string out = test::shownOf(value.m_value);
   for (const std::string& assertion : seenAssertions) out += "\nassertion: " + assertion;
   return out;
 }

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
 
 namespace velmor::sql {
@@ -17,12 +16,7 @@ std::string describeTokens(const std::string& input) {
   for (const ScannedToken& token : tokenize(input)) {
     if (!out.empty()) out += '\n';
     out += std::to_string(token.line) + ':' + std::to_string(token.column) + ' ' + tokenName(token.id);
-    if (carriesText(token.id)) out += ' ';
-    for (wchar_t unit : token.text) {
-      char escape[12];
-      std::snprintf(escape, sizeof escape, unit >= 0x20 && unit < 0x80 ? "%c" : "\\u%04X", static_cast<unsigned>(unit));
-      out += escape;
-    }
+    if (carriesText(token.id)) out += ' ' + test::shownOf(token.text);
   }
   return out;
 }

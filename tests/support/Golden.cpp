@@ -89,6 +89,29 @@ private:
 
 } // namespace
 
+std::wstring wideOf(const std::string& text) {
+  std::wstring out;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text.compare(i, 2, "\\u") == 0 && i + 6 <= text.size()) {
+      out += static_cast<wchar_t>(std::stoul(text.substr(i + 2, 4), nullptr, 16));
+      i += 5;
+    } else {
+      out += static_cast<wchar_t>(static_cast<unsigned char>(text[i]));
+    }
+  }
+  return out;
+}
+
+std::string shownOf(const std::wstring& text) {
+  std::string out;
+  for (wchar_t unit : text) {
+    char escape[12];
+    std::snprintf(escape, sizeof escape, unit >= 0x20 && unit < 0x7F ? "%c" : "\\u%04X", static_cast<unsigned>(unit));
+    out += escape;
+  }
+  return out;
+}
+
 void registerGolden(const std::string& suite, const std::string& file, Describe describe) {
   const std::string path = std::string(VELMOR_TEST_DATA_DIR "/") + file;
   std::ifstream in(path, std::ios::binary);

@@ -13,6 +13,11 @@ namespace velmor::sql::test {
 /// expectation lines.
 using Describe = std::function<std::string(const std::string& input)>;
 
+/// Wide text of an input where "\uXXXX" stands for one unit and each other byte for itself.
+std::wstring wideOf(const std::string& text);
+/// Wide text with units outside printable ASCII written as "\uXXXX".
+std::string shownOf(const std::wstring& text);
+
 /// Registers one test per input of data/<folder>/<file>, named after the file and its line.
 void registerGolden(const std::string& suite, const std::string& file, Describe describe);
 
