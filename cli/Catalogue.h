@@ -57,6 +57,10 @@ public:
   /// The text of a custom operator (code above 50); empty when the catalogue has none.
   std::wstring operatorText(sql::OperationCode code) const;
 
+  std::size_t tableCount() const noexcept { return m_tables.size(); }
+  std::size_t functionCount() const noexcept { return m_functions.size(); }
+  std::size_t operatorCount() const noexcept { return m_operators.size(); }
+
 private:
   friend class CatalogueReader;
   Catalogue() = default;

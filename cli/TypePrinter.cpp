@@ -1,6 +1,11 @@
 // Type names of the tool.
 #include "TypePrinter.h"
 
+#include "Utf8.h"
+
+#include <velmor/sql/ast/EnumNames.h>
+#include <velmor/sql/validation/SemanticErrors.h>
+
 #include <cctype>
 
 namespace velmor::cli {
@@ -101,6 +106,195 @@ std::string typesText(const std::vector<std::shared_ptr<sql::Type>>& types) {
     separator = ", ";
   }
   return text + ']';
+}
+
+namespace {
+
+std::string quoted(const std::wstring& text) {
+  std::string result = "\"";
+  for (const char c : toUtf8(text)) {
+    result += c;
+    if (c == '"') result += c;
+  }
+  return result + '"';
+}
+
+std::string plainTypesText(const std::vector<PlainType>& types) {
+  std::string text;
+  for (const PlainType type : types) text += (text.empty() ? "" : ", ") + plainTypeName(type);
+  return text;
+}
+
+std::string operationName(sql::OperationCode code) {
+  const char* name = sql::ast::enumName(code);
+  return name ? name : std::to_string(static_cast<int>(code));
+}
+
+// "(VarChar, Decimal[, Decimal]) -> VarChar", "(Integer...) -> BigInt", "ALL (Integer, Array) -> Boolean".
+std::string signature(const sql::OverloadInfo& overload) {
+  std::string text = "(" + plainTypesText(overload.mParameters);
+  if (!overload.mOptionalParameters.empty())
+    text += (overload.mParameters.empty() ? "[" : "[, ") + plainTypesText(overload.mOptionalParameters) + "]";
+  if (overload.mVariadic) text += "...";
+  text += ") -> " + plainTypeName(overload.mReturnType);
+  if (const auto* op = dynamic_cast<const sql::OperatorOverloadInfo*>(&overload)) {
+    if (op->mQuantifier == sql::ast::Quantifier::All) text = "ALL " + text;
+    if (op->mQuantifier == sql::ast::Quantifier::Any) text = "ANY " + text;
+  }
+  return text;
+}
+
+template <class Overload>
+std::string candidatesText(const std::vector<std::shared_ptr<Overload>>& candidates) {
+  std::string text = "[";
+  const char* separator = "";
+  for (const auto& candidate : candidates) {
+    text += separator;
+    text += candidate ? signature(*candidate) : std::string("none");
+    separator = "; ";
+  }
+  return text + ']';
+}
+
+std::string setText(const std::set<PlainType>& types) {
+  return "{" + plainTypesText(std::vector<PlainType>(types.begin(), types.end())) + "}";
+}
+
+// The fields of the classes that carry data, in their declared order.
+std::string fieldsOf(const sql::SqlError& error) {
+  using namespace sql;
+  std::string f;
+  auto add = [&f](const char* name, const std::string& value) { f += std::string(" ") + name + "=" + value; };
+  if (const auto* e = dynamic_cast<const NonExistentTable*>(&error)) add("tableName", quoted(e->tableName));
+  else if (const auto* e = dynamic_cast<const TableExists*>(&error)) add("tableName", quoted(e->tableName));
+  else if (const auto* e = dynamic_cast<const UnknownTableReference*>(&error)) add("tableName", quoted(e->tableName));
+  else if (const auto* e = dynamic_cast<const NonUniqueTableReference*>(&error)) add("tableName", quoted(e->tableName));
+  else if (const auto* e = dynamic_cast<const AmbiguousTablesReference*>(&error)) add("tableName", quoted(e->tableName));
+  else if (const auto* e = dynamic_cast<const UnknownColumnReference*>(&error)) {
+    add("tableName", quoted(e->tableName));
+    add("columnName", quoted(e->columnName));
+  } else if (const auto* e = dynamic_cast<const AmbiguousColumnReference*>(&error)) {
+    add("tableName", quoted(e->tableName));
+    add("columnName", quoted(e->columnName));
+  } else if (const auto* e = dynamic_cast<const WrongExpressionType*>(&error)) {
+    add("actualType", typeText(e->actualType));
+    add("expectedTypes", setText(e->expectedTypes));
+    add("text", quoted(e->text));
+  } else if (const auto* e = dynamic_cast<const CommonColumnTypeMismatch*>(&error)) {
+    add("columnName", quoted(e->columnName));
+    add("leftTypes", typesText(e->leftTypes));
+    add("rightTypes", typesText(e->rightTypes));
+    add("leftTableName", quoted(e->leftTableName));
+    add("rightTableName", quoted(e->rightTableName));
+  } else if (const auto* e = dynamic_cast<const NoCommonColumns*>(&error)) {
+    add("leftTableName", quoted(e->leftTableName));
+    add("rightTableName", quoted(e->rightTableName));
+  } else if (const auto* e = dynamic_cast<const SetClauseTypeMismatch*>(&error)) {
+    add("targetTypes", typesText(e->targetTypes));
+    add("sourceTypes", typesText(e->sourceTypes));
+    add("columnName", quoted(e->columnName));
+  } else if (const auto* e = dynamic_cast<const InsertSourceTypeMismatch*>(&error)) {
+    add("targetTypes", typesText(e->targetTypes));
+    add("sourceTypes", typesText(e->sourceTypes));
+    add("tableName", quoted(e->tableName));
+    add("text", quoted(e->text));
+  } else if (const auto* e = dynamic_cast<const BinaryOperationTypeMismatch*>(&error)) {
+    add("leftType", typeText(e->leftType));
+    add("rightType", typeText(e->rightType));
+    add("leftText", quoted(e->leftText));
+    add("rightText", quoted(e->rightText));
+  } else if (const auto* e = dynamic_cast<const UnknownFunction*>(&error)) {
+    add("functionName", quoted(e->functionName));
+  } else if (const auto* e = dynamic_cast<const NoGoodFunctionCandidate*>(&error)) {
+    add("functionName", quoted(e->functionName));
+    add("argumentTypes", typesText(e->argumentTypes));
+    add("candidates", candidatesText(e->candidates));
+  } else if (const auto* e = dynamic_cast<const AmbiguousFunctionCall*>(&error)) {
+    add("functionName", quoted(e->functionName));
+    add("argumentTypes", typesText(e->argumentTypes));
+    add("candidates", candidatesText(e->candidates));
+  } else if (const auto* e = dynamic_cast<const WrongParametersArity*>(&error)) {
+    add("functionName", quoted(e->functionName));
+    add("required", std::to_string(e->arity.required));
+    add("optional", std::to_string(e->arity.optional));
+    add("actual", std::to_string(e->arity.actual));
+    add("variadic", e->arity.variadic ? "true" : "false");
+  } else if (const auto* e = dynamic_cast<const IncompatibleParameterType*>(&error)) {
+    add("functionName", quoted(e->functionName));
+    add("position", std::to_string(e->position));
+    add("expectedTypes", setText(e->expectedTypes));
+    add("actualType", plainTypeName(e->actualType));
+    add("text", quoted(e->text));
+  } else if (const auto* e = dynamic_cast<const AsteriskIsProhibited*>(&error)) add("text", quoted(e->text));
+  else if (const auto* e = dynamic_cast<const SetQuantifierIsProhibited*>(&error)) add("text", quoted(e->text));
+  else if (const auto* e = dynamic_cast<const UnexpectedParseResult*>(&error)) add("text", quoted(e->text));
+  else if (const auto* e = dynamic_cast<const NoGoodOperatorOverload*>(&error)) {
+    add("operation", operationName(e->operation));
+    add("argumentTypes", typesText(e->argumentTypes));
+    add("candidates", candidatesText(e->candidates));
+  } else if (const auto* e = dynamic_cast<const AmbiguousOperatorCall*>(&error)) {
+    add("operation", operationName(e->operation));
+    add("argumentTypes", typesText(e->argumentTypes));
+    add("candidates", candidatesText(e->candidates));
+  } else if (const auto* e = dynamic_cast<const OperatorNotSupported*>(&error)) {
+    add("operation", operationName(e->operation));
+  } else if (const auto* e = dynamic_cast<const UnknownLexeme*>(&error)) {
+    add("lexeme", quoted(e->lexeme));
+  } else if (const auto* e = dynamic_cast<const UnexpectedLexeme*>(&error)) {
+    add("line", std::to_string(e->line));
+    add("column", std::to_string(e->column));
+    add("text", '"' + e->text + '"');
+  }
+  return f;
+}
+
+const char* className(const sql::SqlError& error) {
+  using sql::SqlErrorType;
+  switch (error.type()) {
+  case SqlErrorType::Undefined:
+    if (dynamic_cast<const sql::WhereClauseExpressionNotBool*>(&error)) return "WhereClauseExpressionNotBool";
+    if (dynamic_cast<const sql::HavingClauseExpressionNotBool*>(&error)) return "HavingClauseExpressionNotBool";
+    return "SqlError";
+  case SqlErrorType::UnknownLexeme: return "UnknownLexeme";
+  case SqlErrorType::UnexpectedLexeme: return "UnexpectedLexeme";
+  case SqlErrorType::NonExistentTable: return "NonExistentTable";
+  case SqlErrorType::TableExists: return "TableExists";
+  case SqlErrorType::UnknownTableReference: return "UnknownTableReference";
+  case SqlErrorType::NonUniqueTableReference: return "NonUniqueTableReference";
+  case SqlErrorType::UnknownColumnReference: return "UnknownColumnReference";
+  case SqlErrorType::AmbiguousColumnReference: return "AmbiguousColumnReference";
+  case SqlErrorType::WrongExpressionType: return "WrongExpressionType";
+  case SqlErrorType::CommonColumnTypeMismatch: return "CommonColumnTypeMismatch";
+  case SqlErrorType::NoCommonColumns: return "NoCommonColumns";
+  case SqlErrorType::SetClauseTypeMismatch: return "SetClauseTypeMismatch";
+  case SqlErrorType::InsertSourceTypeMismatch: return "InsertSourceTypeMismatch";
+  case SqlErrorType::BinaryOperationTypeMismatch: return "BinaryOperationTypeMismatch";
+  case SqlErrorType::UnknownFunction: return "UnknownFunction";
+  case SqlErrorType::NoGoodFunctionCandidate: return "NoGoodFunctionCandidate";
+  case SqlErrorType::AmbiguousFunctionCall: return "AmbiguousFunctionCall";
+  case SqlErrorType::WrongParametersArity: return "WrongParametersArity";
+  case SqlErrorType::IncompatibleParameterType: return "IncompatibleParameterType";
+  case SqlErrorType::AsteriskIsProhibited: return "AsteriskIsProhibited";
+  case SqlErrorType::SetQuantifierIsProhibited: return "SetQuantifierIsProhibited";
+  case SqlErrorType::NoGoodOperatorOverload: return "NoGoodOperatorOverload";
+  case SqlErrorType::AmbiguousOperatorCall: return "AmbiguousOperatorCall";
+  case SqlErrorType::OperatorNotSupported: return "OperatorNotSupported";
+  case SqlErrorType::AggregateInWhereClause: return "AggregateInWhereClause";
+  case SqlErrorType::ContextQuery: return "ContextQuery";
+  case SqlErrorType::InvalidContext: return "InvalidContext";
+  case SqlErrorType::UnexpectedParseResult: return "UnexpectedParseResult";
+  case SqlErrorType::SelectionTableIsAbsent: return "SelectionTableIsAbsent";
+  case SqlErrorType::GeneralSyntaxError: return "GeneralSyntaxError";
+  case SqlErrorType::AmbiguousTablesReference: return "AmbiguousTablesReference";
+  case SqlErrorType::NotEnoughMemory: return "NotEnoughMemory";
+  }
+  return "SqlError";
+}
+
+} // namespace
+
+std::string errorLine(const sql::SqlError& error) {
+  return std::to_string(static_cast<int>(error.type())) + ' ' + className(error) + fieldsOf(error);
 }
 
 } // namespace velmor::cli

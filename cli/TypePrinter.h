@@ -1,7 +1,8 @@
-// Types and plain types as the tool writes and reads them: `Integer`, `VarChar(50)`,
-// `Decimal(5,3)`, `Tuple(Integer, Char(1))`, `Array(Integer)`.
+// Types, plain types and faults as the tool writes them: `Integer`, `VarChar(50)`,
+// `Decimal(5,3)`, `Tuple(Integer, Char(1))`, `Array(Integer)`; one line per fault.
 #pragma once
 
+#include <velmor/sql/parser/SqlError.h>
 #include <velmor/sql/types/Type.h>
 
 #include <memory>
@@ -23,5 +24,9 @@ std::string typeText(const std::shared_ptr<sql::Type>& type);
 
 /// A list of types as "[Integer, VarChar(5)]".
 std::string typesText(const std::vector<std::shared_ptr<sql::Type>>& types);
+
+/// A fault as one line: its type() number, its class name and its fields as name=value, texts
+/// in double quotes (inner ones doubled), types as above, lists in brackets.
+std::string errorLine(const sql::SqlError& error);
 
 } // namespace velmor::cli
