@@ -14,3 +14,4 @@
 #include <velmor/sql/types/Table.h>
 #include <velmor/sql/types/Type.h>
 #include <velmor/sql/validation/SemanticErrors.h>
+#include <velmor/sql/sqllexer/Tokens.h>

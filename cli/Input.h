@@ -1,0 +1,21 @@
+// How every subcommand gets its SQL text and its few options.
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velmor::cli {
+
+/// The text of a subcommand's arguments: joined by single blanks; none, or a lone "-", reads
+/// standard input as raw bytes. A first argument "--" is dropped, so that a text may begin
+/// with two minus signs.
+std::string readInput(const std::vector<std::string>& args);
+
+/// Handles "--help"/"-h" and rejects other options in front of the text. Returns the exit
+/// status when the subcommand should stop (usage printed or a usage error reported), or
+/// nothing when it should go on. Arguments such as "-1" are text, not options.
+std::optional<int> handleOptions(const char* command, const std::vector<std::string>& args);
+
+} // namespace velmor::cli

@@ -1,0 +1,51 @@
+// UTF-16 to UTF-8, written out by hand so that no locale is involved.
+#include "Utf8.h"
+
+namespace velmor::cli {
+
+namespace {
+
+void appendCodePoint(std::uint32_t cp, std::string& out) {
+  if (cp < 0x80) {
+    out += static_cast<char>(cp);
+  } else if (cp < 0x800) {
+    out += static_cast<char>(0xC0 | (cp >> 6));
+    out += static_cast<char>(0x80 | (cp & 0x3F));
+  } else if (cp < 0x10000) {
+    out += static_cast<char>(0xE0 | (cp >> 12));
+    out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (cp & 0x3F));
+  } else {
+    out += static_cast<char>(0xF0 | (cp >> 18));
+    out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
+    out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (cp & 0x3F));
+  }
+}
+
+} // namespace
+
+void appendUtf8(const std::wstring& units, std::string& out) {
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    // wchar_t may be wider than 16 bits; anything past the Unicode range is replaced.
+    auto unit = static_cast<std::uint32_t>(units[i]);
+    if (unit >= 0xD800 && unit < 0xDC00 && i + 1 < units.size()) {
+      const auto low = static_cast<std::uint32_t>(units[i + 1]);
+      if (low >= 0xDC00 && low < 0xE000) {
+        appendCodePoint(0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00), out);
+        ++i;
+        continue;
+      }
+    }
+    appendCodePoint(unit <= 0x10FFFF ? unit : 0xFFFD, out);
+  }
+}
+
+std::string toUtf8(const std::wstring& units) {
+  std::string out;
+  out.reserve(units.size());
+  appendUtf8(units, out);
+  return out;
+}
+
+} // namespace velmor::cli

@@ -1,0 +1,48 @@
+// The scanner as the parser holds it: tokens with wide text and locations.
+#pragma once
+
+#include "sqllexer/Lexer.h"
+#include "sqllexer/Location.h"
+
+#include <velmor/sql/parser/SqlError.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace velmor::sql {
+
+class SqlLexer : public Lexer {
+public:
+  using ErrorList = std::vector<std::shared_ptr<SqlError>>;
+
+  /// `text` as for Lexer; `errors` is the list of the parser's owner (may be null) and must
+  /// outlive the lexer. The trace starts off.
+  SqlLexer(const std::string& text, ErrorList* errors);
+  ~SqlLexer() override;
+
+  /// The next token's id (0 at the end). For identifiers, numbers and strings their text is
+  /// stored in `*semantic` as UTF-16 units; other tokens leave it alone. `location`, when not
+  /// null, gets the token's line and column as begin, and as end the same line and the column
+  /// plus the byte length of the token's text plus one. Throws as Lexer::next does.
+  int lex(std::wstring* semantic, Location* location);
+
+  /// Adds an UnknownLexeme to the error list. The scanner drops unmatched input silently and
+  /// does not call it; it is here for a stricter scanner.
+  void unknownLexeme(const std::wstring& lexeme) override;
+
+  /// When on, every token is written to std::cerr as its name, a blank and its text.
+  void setTrace(bool on) { mTrace = on; }
+  bool trace() const { return mTrace; }
+
+  /// The last token that lex() returned; its text is valid until the next call of lex().
+  const Token& token() const { return mToken; }
+
+private:
+  ErrorList* mErrors;
+  Token mToken;
+  std::wstring mScratch;   // the wide text when the caller gives no semantic slot
+  bool mTrace = false;
+};
+
+} // namespace velmor::sql
