@@ -121,7 +121,10 @@ std::string quoted(const std::wstring& text) {
 
 std::string plainTypesText(const std::vector<PlainType>& types) {
   std::string text;
-  for (const PlainType type : types) text += (text.empty() ? "" : ", ") + plainTypeName(type);
+  for (const PlainType type : types) {
+    if (!text.empty()) text += ", ";
+    text += plainTypeName(type);
+  }
   return text;
 }
 
@@ -132,15 +135,18 @@ std::string operationName(sql::OperationCode code) {
 
 // "(VarChar, Decimal[, Decimal]) -> VarChar", "(Integer...) -> BigInt", "ALL (Integer, Array) -> Boolean".
 std::string signature(const sql::OverloadInfo& overload) {
-  std::string text = "(" + plainTypesText(overload.mParameters);
-  if (!overload.mOptionalParameters.empty())
-    text += (overload.mParameters.empty() ? "[" : "[, ") + plainTypesText(overload.mOptionalParameters) + "]";
-  if (overload.mVariadic) text += "...";
-  text += ") -> " + plainTypeName(overload.mReturnType);
+  std::string text;
   if (const auto* op = dynamic_cast<const sql::OperatorOverloadInfo*>(&overload)) {
-    if (op->mQuantifier == sql::ast::Quantifier::All) text = "ALL " + text;
-    if (op->mQuantifier == sql::ast::Quantifier::Any) text = "ANY " + text;
+    if (op->mQuantifier == sql::ast::Quantifier::All) text.append("ALL ");
+    if (op->mQuantifier == sql::ast::Quantifier::Any) text.append("ANY ");
   }
+  text.append("(").append(plainTypesText(overload.mParameters));
+  if (!overload.mOptionalParameters.empty()) {
+    text.append(overload.mParameters.empty() ? "[" : "[, ");
+    text.append(plainTypesText(overload.mOptionalParameters)).append("]");
+  }
+  if (overload.mVariadic) text.append("...");
+  text.append(") -> ").append(plainTypeName(overload.mReturnType));
   return text;
 }
 
@@ -157,7 +163,9 @@ std::string candidatesText(const std::vector<std::shared_ptr<Overload>>& candida
 }
 
 std::string setText(const std::set<PlainType>& types) {
-  return "{" + plainTypesText(std::vector<PlainType>(types.begin(), types.end())) + "}";
+  std::string text("{");
+  text.append(plainTypesText(std::vector<PlainType>(types.begin(), types.end()))).append("}");
+  return text;
 }
 
 // The fields of the classes that carry data, in their declared order.

@@ -9,9 +9,9 @@
 #include <velmor/sql/ast/TernaryLogic.h>
 #include <velmor/sql/ast/Traversal.h>
 #include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/sqllexer/Tokens.h>
 #include <velmor/sql/types/Routine.h>
 #include <velmor/sql/types/Strings.h>
 #include <velmor/sql/types/Table.h>
 #include <velmor/sql/types/Type.h>
 #include <velmor/sql/validation/SemanticErrors.h>
-#include <velmor/sql/sqllexer/Tokens.h>
