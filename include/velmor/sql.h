@@ -9,6 +9,7 @@
 #include <velmor/sql/ast/TernaryLogic.h>
 #include <velmor/sql/ast/Traversal.h>
 #include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/sqllexer/Tokens.h>
 #include <velmor/sql/types/Routine.h>
 #include <velmor/sql/types/Strings.h>

@@ -1,0 +1,35 @@
+// velmor-sql tree: the syntax tree of a text as JSON, or its syntax error.
+#include "Commands.h"
+#include "Input.h"
+#include "JsonTree.h"
+
+#include <velmor/sql/parser/SqlParser.h>
+
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+
+namespace velmor::cli {
+
+int runTree(const std::vector<std::string>& args) {
+  if (auto status = handleOptions("tree", args)) return *status;
+  const std::string text = readInput(args);
+
+  const sql::ParseContext context;
+  sql::SqlParser parser(context);
+  try {
+    parser.parse(text);
+  } catch (const std::runtime_error& error) {
+    std::cerr << "velmor-sql tree: " << error.what() << '\n';
+    return exitUsage;
+  }
+  if (!parser.errors.empty()) {
+    for (const std::shared_ptr<sql::SqlError>& error : parser.errors) std::cerr << error->what() << '\n';
+    return exitFailure;
+  }
+  std::cout << treeToJson(parser.result).dump(2) << '\n';
+  std::cout.flush();
+  return std::cout ? exitOk : exitFailure;
+}
+
+} // namespace velmor::cli

@@ -1,0 +1,49 @@
+// The door of the library: one SQL text in, one syntax tree or one syntax error out.
+#pragma once
+
+#include <velmor/sql/Export.h>
+#include <velmor/sql/ast/AST.h>
+#include <velmor/sql/parser/SqlError.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace velmor::sql {
+
+/// The host's side of a parse. The grammar asks it nothing yet; it is kept so that a host can
+/// hand its catalogue to later stages through the same object.
+class VELMOR_SQL_API ParseContext {
+public:
+  virtual ~ParseContext();
+};
+
+/// Parses one UTF-8 text at a time. Used by one thread at a time; distinct parsers may run at
+/// once.
+class VELMOR_SQL_API SqlParser {
+public:
+  /// Keeps a reference to `context`, which must outlive the parser. `result` starts empty.
+  explicit SqlParser(const ParseContext& context);
+  ~SqlParser();
+  SqlParser(const SqlParser&) = delete;
+  SqlParser& operator=(const SqlParser&) = delete;
+
+  /// Parses the whole `text` as one statement or one expression. True when `result` holds a
+  /// tree afterwards; otherwise `errors` holds one UnexpectedLexeme and `result` is a node of
+  /// EmptyNode. Never throws for a bad text; std::bad_alloc and the scanner's lexeme-size
+  /// std::runtime_error pass through.
+  bool parse(const std::string& text);
+
+  /// `result` becomes a node of EmptyNode and `errors` empty. Trees handed out stay valid.
+  void clear();
+
+  const ParseContext* context;
+  /// The tree of the last parse, or a node of EmptyNode.
+  ast::Node result;
+  /// What the last parse found, in order: at most one syntax error.
+  std::vector<std::shared_ptr<SqlError>> errors;
+  /// Writes each token to std::cerr during parse. Off after construction.
+  bool debugTrace = false;
+};
+
+} // namespace velmor::sql

@@ -1,0 +1,109 @@
+// Small record builders that keep the grammar's actions to one line each.
+#pragma once
+
+#include <velmor/sql/ast/AST.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace velmor::sql::grammar {
+
+using ast::makeEmptyNode;
+using ast::makeNode;
+
+template <class T>
+std::vector<std::decay_t<T>> listOf(T&& first) {
+  std::vector<std::decay_t<T>> list;
+  list.push_back(std::forward<T>(first));
+  return list;
+}
+
+template <class T, class U>
+std::vector<T> append(std::vector<T>&& list, U&& element) {
+  list.push_back(std::forward<U>(element));
+  return std::move(list);
+}
+
+inline std::vector<ast::ExpressionNode> appendPair(std::vector<ast::ExpressionNode>&& list,
+                                                   ast::ExpressionNode when, ast::ExpressionNode then) {
+  list.push_back(std::move(when));
+  list.push_back(std::move(then));
+  return std::move(list);
+}
+
+inline ast::ExpressionNode unary(OperationCode code, ast::ExpressionNode operand) {
+  std::vector<ast::ExpressionNode> operands;
+  operands.push_back(std::move(operand));
+  return makeNode<ast::ExpressionNode>(ast::Operation(code, std::move(operands)));
+}
+
+inline ast::ExpressionNode binary(OperationCode code, ast::ExpressionNode left, ast::ExpressionNode right,
+                                  ast::Quantifier quantifier = ast::Quantifier::None) {
+  return makeNode<ast::ExpressionNode>(ast::Operation(code, std::move(left), std::move(right), quantifier));
+}
+
+inline ast::ExpressionNode ternary(OperationCode code, ast::ExpressionNode first, ast::ExpressionNode second,
+                                   ast::ExpressionNode third) {
+  std::vector<ast::ExpressionNode> operands;
+  operands.reserve(3);
+  operands.push_back(std::move(first));
+  operands.push_back(std::move(second));
+  operands.push_back(std::move(third));
+  return makeNode<ast::ExpressionNode>(ast::Operation(code, std::move(operands)));
+}
+
+/// The subject first, then the WHEN/THEN pairs, then the ELSE when there is one (a non-empty
+/// handle).
+inline ast::ExpressionNode caseOf(ast::ExpressionNode subject, std::vector<ast::ExpressionNode>&& pairs,
+                                  ast::ExpressionNode otherwise) {
+  std::vector<ast::ExpressionNode> operands;
+  operands.reserve(pairs.size() + 2);
+  operands.push_back(std::move(subject));
+  for (ast::ExpressionNode& operand : pairs) operands.push_back(std::move(operand));
+  if (otherwise.mImpl) operands.push_back(std::move(otherwise));
+  return makeNode<ast::ExpressionNode>(ast::Operation(OperationCode::Case, std::move(operands)));
+}
+
+inline ast::ExpressionNode truthOf(TernaryLogic::Value value) {
+  return makeNode<ast::ExpressionNode>(ast::TernaryLogicNode{TernaryLogic(value)});
+}
+
+inline ast::ExpressionNode numberOf(ast::NumberKind kind, std::wstring text) {
+  return makeNode<ast::ExpressionNode>(ast::Number{kind, std::move(text)});
+}
+
+inline ast::ExpressionNode functionOf(std::wstring name, bool asterisk, ast::SetQuantifier quantifier,
+                                      std::vector<ast::ExpressionNode>&& arguments) {
+  return makeNode<ast::ExpressionNode>(ast::Function{std::move(name), asterisk, quantifier, std::move(arguments)});
+}
+
+inline ast::LimitSpecification limitOf(std::wstring limit, std::wstring offset) {
+  return ast::LimitSpecification{ast::Number{ast::NumberKind::Integer, std::move(limit)},
+                                 ast::Number{ast::NumberKind::Integer, std::move(offset)}};
+}
+
+/// A set operation is DISTINCT unless ALL is written.
+inline ast::QueryExpressionNode queryOperation(ast::QueryOperationCode code, ast::SetQuantifier quantifier,
+                                               ast::QueryExpressionNode left, ast::QueryExpressionNode right) {
+  return makeNode<ast::QueryExpressionNode>(
+      ast::QueryOperation{code, quantifier != ast::SetQuantifier::All, std::move(left), std::move(right)});
+}
+
+inline ast::QueryExpressionNode joinOf(ast::Join type, ast::QueryExpressionNode left, ast::QueryExpressionNode right,
+                                       ast::Node specification) {
+  return makeNode<ast::QueryExpressionNode>(
+      ast::JoinNode{type, std::move(left), std::move(right), std::move(specification)});
+}
+
+/// A query is DISTINCT only when the word is written.
+inline ast::QueryExpressionNode querySpecification(
+    ast::SetQuantifier quantifier, std::vector<ast::Node>&& selectList, ast::TypeNode<ast::IntoClause> into,
+    std::vector<ast::QueryExpressionNode>&& from, ast::ExpressionNode where, std::vector<ast::ExpressionNode>&& groupBy,
+    ast::ExpressionNode having, std::vector<ast::SortSpecification>&& orderBy, ast::LimitSpecification limit) {
+  return makeNode<ast::QueryExpressionNode>(ast::QuerySpecification{
+      quantifier == ast::SetQuantifier::Distinct, std::move(selectList), std::move(into), std::move(from),
+      std::move(where), std::move(groupBy), std::move(orderBy), std::move(having), std::move(limit)});
+}
+
+} // namespace velmor::sql::grammar

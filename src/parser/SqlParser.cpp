@@ -1,0 +1,74 @@
+// SqlParser over the scanner and the generated automaton, and the automaton's error report.
+#include <velmor/sql/parser/SqlParser.h>
+
+#include "parser/SqlParserPrivate.h"
+#include "sqllexer/SqlLexer.h"
+
+#include <array>
+#include <utility>
+
+namespace velmor::sql {
+
+int yylex(Parser::value_type* value, Location* location, SqlLexer& lexer) {
+  std::wstring text;
+  const int id = lexer.lex(&text, location);
+  // Only the five text tokens have a value slot; giving another token one would never be freed.
+  if (carriesText(static_cast<std::uint32_t>(id))) value->emplace<std::wstring>(std::move(text));
+  return id;
+}
+
+// The automaton's own error hook is only a stand-in: SqlParserPrivate decides where errors go.
+void Parser::error(const location_type&, const std::string&) {}
+
+void Parser::report_syntax_error(const context& ctx) const {
+  // error() is the automaton's one non-const hook; reporting changes nothing the parse reads.
+  const_cast<Parser*>(this)->error(ctx.location(), syntaxErrorMessage(ctx));
+}
+
+std::string syntaxErrorMessage(const Parser::context& context) {
+  const Parser::symbol_kind_type lookahead = context.token();
+  if (lookahead == Parser::symbol_kind::S_YYEMPTY) return "syntax error";
+  // Room for one more than the four that a message may name: more than four are dropped.
+  constexpr int maxExpected = 4;
+  std::array<Parser::symbol_kind_type, maxExpected + 1> expected{};
+  const int count = context.expected_tokens(expected.data(), maxExpected + 1);
+  std::string message = "syntax error, unexpected ";
+  message += Parser::symbol_name(lookahead);
+  if (count > maxExpected) return message;
+  for (int i = 0; i < count; ++i) {
+    message += i == 0 ? ", expecting " : " or ";
+    message += Parser::symbol_name(expected[static_cast<std::size_t>(i)]);
+  }
+  return message;
+}
+
+void SqlParserPrivate::error(const location_type& location, const std::string& message) {
+  mErrors->push_back(std::make_shared<UnexpectedLexeme>(static_cast<std::size_t>(location.begin.line),
+                                                        static_cast<std::size_t>(location.begin.column), message));
+}
+
+ParseContext::~ParseContext() = default;
+
+SqlParser::SqlParser(const ParseContext& context_) : context(&context_) {}
+
+SqlParser::~SqlParser() = default;
+
+void SqlParser::clear() {
+  result = ast::makeEmptyNode();
+  errors.clear();
+}
+
+bool SqlParser::parse(const std::string& text) {
+  clear();
+  ast::Node tree;
+  {
+    SqlLexer lexer(text, &errors);
+    lexer.setTrace(debugTrace);
+    SqlParserPrivate automaton(lexer, tree, *context, &errors);
+    automaton.parse();
+    if (errors.empty()) result = std::move(tree);
+  }
+  return !result.isNull();
+}
+
+} // namespace velmor::sql
