@@ -19,4 +19,7 @@
 #include <velmor/sql/types/Strings.h>
 #include <velmor/sql/types/Table.h>
 #include <velmor/sql/types/Type.h>
+#include <velmor/sql/validation/ContextChecks.h>
+#include <velmor/sql/validation/QualifierChecks.h>
 #include <velmor/sql/validation/SemanticErrors.h>
+#include <velmor/sql/validation/Validator.h>
