@@ -62,7 +62,10 @@ int runColumns(const std::vector<std::string>& args) {
   for (std::size_t i = 0; i < table->columnCount(); ++i) {
     const sql::ColumnInfo column = table->columnByIndex(i);
     std::string names;
-    for (const auto& name : column.names()) names += (names.empty() ? "" : "|") + toUtf8(name);
+    for (const auto& name : column.names()) {
+      if (!names.empty()) names += '|';
+      appendUtf8(name, names);
+    }
     rows.push_back({names.empty() ? "-" : names, typeText(column.type()), orDash(column.originalTable()),
                     orDash(column.originalName())});
   }

@@ -150,15 +150,18 @@ std::string signature(const sql::OverloadInfo& overload) {
   return text;
 }
 
+// Long lists (an operator over many types) are cut after a few, with their size.
 template <class Overload>
 std::string candidatesText(const std::vector<std::shared_ptr<Overload>>& candidates) {
+  constexpr std::size_t shown = 6;
   std::string text = "[";
   const char* separator = "";
-  for (const auto& candidate : candidates) {
+  for (std::size_t i = 0; i < candidates.size() && i < shown; ++i) {
     text += separator;
-    text += candidate ? signature(*candidate) : std::string("none");
+    text += candidates[i] ? signature(*candidates[i]) : std::string("none");
     separator = "; ";
   }
+  if (candidates.size() > shown) text += "; ... " + std::to_string(candidates.size()) + " in all";
   return text + ']';
 }
 
