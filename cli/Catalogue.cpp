@@ -3,6 +3,10 @@
 
 #include "TypePrinter.h"
 
+#if __has_include("DefaultContext.h")
+#include "DefaultContext.h"
+#endif
+
 #include <velmor/sql/ast/EnumNames.h>
 #include <velmor/sql/types/Strings.h>
 
@@ -914,5 +918,47 @@ std::wstring fromUtf8(std::string_view bytes) {
   }
   return units;
 }
+
+// ---- the string builder's context ----------------------------------------------------------
+
+#if __has_include("DefaultContext.h")
+
+namespace {
+
+// The catalogue's precedence levels and operator texts over the tool's defaults.
+class CatalogueStringBuildContext final : public DefaultStringBuildContext {
+public:
+  explicit CatalogueStringBuildContext(std::shared_ptr<const Catalogue> catalogue)
+      : m_catalogue(std::move(catalogue)) {}
+
+  std::wstring operatorToString(OperationCode code) const override {
+    std::wstring text = m_catalogue->operatorText(code);
+    return text.empty() ? DefaultStringBuildContext::operatorToString(code) : text;
+  }
+
+protected:
+  int precedenceLevel(OperationCode code) const override {
+    const auto level = m_catalogue->precedenceLevel(code);
+    return level ? *level : DefaultStringBuildContext::precedenceLevel(code);
+  }
+
+private:
+  std::shared_ptr<const Catalogue> m_catalogue;
+};
+
+} // namespace
+
+std::unique_ptr<DefaultStringBuildContext> takeStringBuildContext(const char* command,
+                                                                  std::vector<std::string>& args) {
+  const bool named = std::any_of(args.begin(), args.end(), [](const std::string& arg) {
+    return arg == "--catalog" || arg.rfind("--catalog=", 0) == 0;
+  });
+  if (!named) return std::make_unique<DefaultStringBuildContext>();
+  auto catalogue = takeCatalogue(command, args);
+  if (!catalogue) return nullptr;
+  return std::make_unique<CatalogueStringBuildContext>(std::move(catalogue));
+}
+
+#endif
 
 } // namespace velmor::cli
