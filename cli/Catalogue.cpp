@@ -3,9 +3,7 @@
 
 #include "TypePrinter.h"
 
-#if __has_include("DefaultContext.h")
 #include "DefaultContext.h"
-#endif
 
 #include <velmor/sql/ast/EnumNames.h>
 #include <velmor/sql/types/Strings.h>
@@ -921,8 +919,6 @@ std::wstring fromUtf8(std::string_view bytes) {
 
 // ---- the string builder's context ----------------------------------------------------------
 
-#if __has_include("DefaultContext.h")
-
 namespace {
 
 // The catalogue's precedence levels and operator texts over the tool's defaults.
@@ -958,7 +954,5 @@ std::unique_ptr<DefaultStringBuildContext> takeStringBuildContext(const char* co
   if (!catalogue) return nullptr;
   return std::make_unique<CatalogueStringBuildContext>(std::move(catalogue));
 }
-
-#endif
 
 } // namespace velmor::cli

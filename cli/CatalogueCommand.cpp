@@ -1,6 +1,4 @@
 // velmor-sql catalogue: the embedded default catalogue, or a check of a catalogue file.
-#if __has_include("Commands.h")
-
 #include "Catalogue.h"
 #include "Commands.h"
 #include "Input.h"
@@ -38,5 +36,3 @@ int runCatalogue(const std::vector<std::string>& args) {
 }
 
 } // namespace velmor::cli
-
-#endif

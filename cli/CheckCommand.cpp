@@ -1,8 +1,4 @@
 // velmor-sql check: a query or an UPDATE validated against the catalogue.
-#if __has_include("Commands.h")
-#if __has_include(<velmor/sql/parser/SqlParser.h>) && \
-    __has_include(<velmor/sql/validation/Validator.h>)
-
 #include "Catalogue.h"
 #include "Commands.h"
 #include "Input.h"
@@ -60,18 +56,3 @@ int runCheck(const std::vector<std::string>& args) {
 }
 
 } // namespace velmor::cli
-
-#else
-
-// Until the parts of the library it needs are in the tree, the command says so.
-#include "Commands.h"
-
-#include <iostream>
-
-int velmor::cli::runCheck(const std::vector<std::string>&) {
-  std::cerr << "velmor-sql check: not available in this build\n";
-  return exitUsage;
-}
-
-#endif
-#endif

@@ -1,8 +1,4 @@
 // velmor-sql columns: the result columns of a query, as the catalogue describes its tables.
-#if __has_include("Commands.h")
-#if __has_include(<velmor/sql/parser/SqlParser.h>) && \
-    __has_include(<velmor/sql/scope/ScopeBuilder.h>)
-
 #include "Catalogue.h"
 #include "Commands.h"
 #include "Input.h"
@@ -86,18 +82,3 @@ int runColumns(const std::vector<std::string>& args) {
 }
 
 } // namespace velmor::cli
-
-#else
-
-// Until the parts of the library it needs are in the tree, the command says so.
-#include "Commands.h"
-
-#include <iostream>
-
-int velmor::cli::runColumns(const std::vector<std::string>&) {
-  std::cerr << "velmor-sql columns: not available in this build\n";
-  return exitUsage;
-}
-
-#endif
-#endif

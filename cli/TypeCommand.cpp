@@ -1,8 +1,4 @@
 // velmor-sql type: the type of an expression in the scope of some of the catalogue's tables.
-#if __has_include("Commands.h")
-#if __has_include(<velmor/sql/parser/SqlParser.h>) && \
-    __has_include(<velmor/sql/inference/TypeInferer.h>)
-
 #include "Catalogue.h"
 #include "Commands.h"
 #include "Input.h"
@@ -100,18 +96,3 @@ int runType(const std::vector<std::string>& args) {
 }
 
 } // namespace velmor::cli
-
-#else
-
-// Until the parts of the library it needs are in the tree, the command says so.
-#include "Commands.h"
-
-#include <iostream>
-
-int velmor::cli::runType(const std::vector<std::string>&) {
-  std::cerr << "velmor-sql type: not available in this build\n";
-  return exitUsage;
-}
-
-#endif
-#endif
