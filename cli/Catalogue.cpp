@@ -702,7 +702,7 @@ private:
       if (value["times"].size() != 2) fail(at, "expected [fewest, most]");
       fewest = expectInteger(value["times"][0], element(at, 0));
       most = expectInteger(value["times"][1], element(at, 1));
-      if (fewest < 0 || most < fewest || most > 64) fail(at, "expected 0 <= fewest <= most <= 64");
+      if (fewest < 0 || most < fewest || most > 1024) fail(at, "expected 0 <= fewest <= most <= 1024");
       if (repeat.empty()) fail(member(path, "repeat"), "must not be empty");
     }
     if (params.empty() && repeat.empty() && tail.empty()) fail(path, "an operator overload needs parameters");
