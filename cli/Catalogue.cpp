@@ -582,7 +582,11 @@ private:
   }
 
   sql::FunctionKind readKind(const json& value, const std::string& path) const {
-    if (value.is_number_integer()) return static_cast<sql::FunctionKind>(expectInteger(value, path));
+    if (value.is_number_integer()) {
+      const auto number = expectInteger(value, path);
+      if (number < INT32_MIN || number > INT32_MAX) fail(path, "a kind's number must fit in 32 bits");
+      return static_cast<sql::FunctionKind>(number);
+    }
     const std::string text = lowered(expectString(value, path));
     if (text == "ordinary") return sql::FunctionKind::Ordinary;
     if (text == "aggregate") return sql::FunctionKind::Aggregate;
