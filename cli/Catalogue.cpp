@@ -66,14 +66,10 @@ bool carriesLength(PlainType type) {
 // The digits of an exact value: its own, or those of the widest value of an integer type.
 sql::PrecisionScaleType digitsOf(const std::shared_ptr<sql::Type>& type) {
   if (const auto* exact = dynamic_cast<const sql::PrecisionScaleType*>(type.get())) return *exact;
-  if (type) {
-    switch (type->plainType()) {
-    case PlainType::SmallInt: return {PlainType::Decimal, 5, 0};
-    case PlainType::Integer: return {PlainType::Decimal, 10, 0};
-    case PlainType::BigInt: return {PlainType::Decimal, 19, 0};
-    default: break;
-    }
-  }
+  const PlainType plain = type ? type->plainType() : PlainType::Fault;
+  if (plain == PlainType::SmallInt) return {PlainType::Decimal, 5, 0};
+  if (plain == PlainType::Integer) return {PlainType::Decimal, 10, 0};
+  if (plain == PlainType::BigInt) return {PlainType::Decimal, 19, 0};
   return {};
 }
 
