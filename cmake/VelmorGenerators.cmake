@@ -24,10 +24,10 @@ function(velmor_re2c input output)
   add_custom_command(
     OUTPUT ${output}
     COMMAND ${RE2C_EXECUTABLE} --utf8 -W --no-generation-date --no-version
-            -I ${CMAKE_SOURCE_DIR}/src -o ${output} ${_in}
+            -I ${CMAKE_SOURCE_DIR}/src --depfile ${output}.d -o ${output} ${_in}
     WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
     DEPENDS ${_in}
-    IMPLICIT_DEPENDS CXX ${_in}
+    DEPFILE ${output}.d
     COMMENT "re2c ${input}"
     VERBATIM)
 endfunction()

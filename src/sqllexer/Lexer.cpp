@@ -64,13 +64,13 @@ void Lexer::lexemeTooLong() {
   throw std::runtime_error("Distance between lexeme start and current pointer exceeds buffer size.");
 }
 
-void Lexer::appendWide(std::string_view bytes, std::wstring& out) {
+void Lexer::assignWide(std::string_view bytes, std::wstring& out) {
   const auto* p = reinterpret_cast<const unsigned char*>(bytes.data());
   const auto* end = p + bytes.size();
-  const std::size_t start = out.size();
-  // Never more units than bytes; the surplus is cut off below.
-  out.resize(start + bytes.size());
-  wchar_t* w = out.data() + start;
+  // Never more units than bytes; the surplus is cut off below. Resizing in place keeps the
+  // capacity of a string that the caller reuses.
+  out.resize(bytes.size());
+  wchar_t* w = out.data();
   // Most texts are ASCII through and through.
   while (p != end && *p < 0x80) *w++ = static_cast<wchar_t>(*p++);
   if (p == end) return;

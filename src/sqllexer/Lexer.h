@@ -58,9 +58,9 @@ public:
   int line() const { return mLine; }
   int column() const { return mColumn; }
 
-  /// Appends the UTF-16 units of well-formed UTF-8 `bytes` to `out`; lead bytes are taken at
-  /// face value and nothing is checked, since the automaton accepted the bytes already.
-  static void appendWide(std::string_view bytes, std::wstring& out);
+  /// Replaces `out` with the UTF-16 units of well-formed UTF-8 `bytes`; lead bytes are taken
+  /// at face value and nothing is checked, since the automaton accepted the bytes already.
+  static void assignWide(std::string_view bytes, std::wstring& out);
 
 private:
   /// Called by the automaton when it reaches `limit`. With text left beyond the window, moves

@@ -22,9 +22,7 @@ int SqlLexer::lex(std::wstring* semantic, Location* location) {
   }
 
   if (carriesText(mToken.id)) {
-    std::wstring& wide = semantic ? *semantic : mScratch;
-    wide.clear();
-    appendWide(mToken.text, wide);
+    assignWide(mToken.text, semantic ? *semantic : mScratch);
   }
 
   if (mTrace) {

@@ -3,14 +3,16 @@
 //
 // The scanner's idea of a letter, digit and blank is frozen at Unicode 8.0, so the classes
 // come from the npm package unicode-8.0.0 (0.7.5) rather than from the platform.
-// Usage: node tools/unicode/gen_lexer_classes.js [output]   (default: src/sqllexer/UnicodeClasses.re.inc)
+// Usage: node tools/unicode/gen_lexer_classes.js [--check]
+//   writes src/sqllexer/UnicodeClasses.re.inc; with --check, fails if the committed file differs.
 'use strict';
 
 const fs = require('fs');
 const path = require('path');
 
 const root = path.resolve(__dirname, '..', '..');
-const output = process.argv[2] || path.join(root, 'src', 'sqllexer', 'UnicodeClasses.re.inc');
+const output = path.join(root, 'src', 'sqllexer', 'UnicodeClasses.re.inc');
+const check = process.argv.includes('--check');
 const dataPackage = 'unicode-8.0.0';
 const expectedVersion = '0.7.5';
 
@@ -86,5 +88,13 @@ const text = [
   '',
 ].join('\n');
 
-fs.writeFileSync(output, text);
-console.log(`wrote ${path.relative(root, output)}`);
+if (check) {
+  if (!fs.existsSync(output) || fs.readFileSync(output, 'utf8') !== text) {
+    console.error(`${path.relative(root, output)} is out of date: run node tools/unicode/gen_lexer_classes.js`);
+    process.exit(1);
+  }
+  console.log(`${path.relative(root, output)} is up to date`);
+} else {
+  fs.writeFileSync(output, text);
+  console.log(`wrote ${path.relative(root, output)}`);
+}
