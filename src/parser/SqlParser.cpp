@@ -10,10 +10,12 @@
 namespace velmor::sql {
 
 int yylex(Parser::value_type* value, Location* location, SqlLexer& lexer) {
-  std::wstring text;
-  const int id = lexer.lex(&text, location);
+  // The scanner widens into a buffer that keeps its capacity, so that each text is allocated
+  // once, at its final size, when it is copied into the token's value.
+  thread_local std::wstring scratch;
+  const int id = lexer.lex(&scratch, location);
   // Only the five text tokens have a value slot; giving another token one would never be freed.
-  if (carriesText(static_cast<std::uint32_t>(id))) value->emplace<std::wstring>(std::move(text));
+  if (carriesText(static_cast<std::uint32_t>(id))) value->emplace<std::wstring>(scratch);
   return id;
 }
 

@@ -1,0 +1,65 @@
+// Parses every statement of the benchmark corpus from memory, one tree at a time.
+#include <velmor/sql/parser/SqlParser.h>
+
+#include "parser/SqlParserPrivate.h"
+#include "sqllexer/SqlLexer.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::vector<std::string> loadCorpus() {
+  // The environment may point elsewhere when the tree is checked out away from the corpus.
+  const char* path = std::getenv("VELMOR_BENCH_CORPUS");
+  std::ifstream in(path ? path : VELMOR_BENCH_CORPUS);
+  std::vector<std::string> statements;
+  for (std::string line; std::getline(in, line);) {
+    if (!line.empty()) statements.push_back(line);
+  }
+  return statements;
+}
+
+void BM_ParseCorpus(benchmark::State& state) {
+  static const std::vector<std::string> corpus = loadCorpus();
+  std::size_t bytes = 0;
+  for (const std::string& statement : corpus) bytes += statement.size();
+
+  const velmor::sql::ParseContext context;
+  velmor::sql::SqlParser parser(context);
+  std::size_t failures = 0;
+  if (corpus.empty()) state.SkipWithError("the corpus is missing or empty");
+  for (auto _ : state) {
+    for (const std::string& statement : corpus) {
+      // Each parse releases the previous tree, so memory stays flat.
+      if (!parser.parse(statement)) ++failures;
+      benchmark::DoNotOptimize(parser.result);
+    }
+  }
+  if (failures != 0) state.SkipWithError("a corpus statement failed to parse");
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * bytes));
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * corpus.size()));
+}
+BENCHMARK(BM_ParseCorpus)->Unit(benchmark::kMillisecond);
+
+// The fixed cost of one parse: scanner and automaton with its initial stack, built and destroyed.
+void BM_AutomatonSetup(benchmark::State& state) {
+  const velmor::sql::ParseContext context;
+  const std::string text;
+  std::vector<std::shared_ptr<velmor::sql::SqlError>> errors;
+  for (auto _ : state) {
+    velmor::sql::ast::Node result;
+    velmor::sql::SqlLexer lexer(text, &errors);
+    velmor::sql::SqlParserPrivate automaton(lexer, result, context, &errors);
+    benchmark::DoNotOptimize(&automaton);
+  }
+}
+BENCHMARK(BM_AutomatonSetup);
+
+} // namespace
+
+BENCHMARK_MAIN();
