@@ -15,9 +15,9 @@
 #include <velmor/sql/inference/TypeInferer.h>
 #include <velmor/sql/parser/SqlError.h>
 #include <velmor/sql/parser/SqlParser.h>
-#include <velmor/sql/sqllexer/Tokens.h>
 #include <velmor/sql/scope/Scope.h>
 #include <velmor/sql/scope/ScopeBuilder.h>
+#include <velmor/sql/sqllexer/Tokens.h>
 #include <velmor/sql/types/Routine.h>
 #include <velmor/sql/types/Strings.h>
 #include <velmor/sql/types/Table.h>

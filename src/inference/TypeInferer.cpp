@@ -162,27 +162,45 @@ bool TypeInferer::matchesWithConversion(const std::shared_ptr<OperatorOverloadIn
   return overload->mQuantifier == quantifier && fitsWithConversion(*overload, plain);
 }
 
+namespace {
+
+// The candidates of one call, as positions in the host's list, which outlives them. Exact fits
+// are collected first, and the converted ones only where the decision needs them: whether an
+// overload fits exactly doesn't depend on the others, so the outcome is that of one pass over
+// the list, while the common call with one exact fit asks the host about no conversion at all.
+template <class Overload>
+using Candidates = std::vector<const std::shared_ptr<Overload>*>;
+
+template <class Overload>
+std::vector<std::shared_ptr<Overload>> shared(const Candidates<Overload>& candidates) {
+  std::vector<std::shared_ptr<Overload>> result;
+  result.reserve(candidates.size());
+  for (const auto* candidate : candidates) result.push_back(*candidate);
+  return result;
+}
+
+} // namespace
+
 std::shared_ptr<OverloadInfo> TypeInferer::findOverload(const ast::Function& function,
                                                         const std::shared_ptr<FunctionInfo>& info,
                                                         const std::vector<std::shared_ptr<Type>>& types) {
   std::vector<std::shared_ptr<OverloadInfo>> all = info->overloads();
   const std::vector<PlainType> plain = toPlainTypes(types);
-  std::vector<std::shared_ptr<OverloadInfo>> exact;
-  std::vector<std::shared_ptr<OverloadInfo>> converted;
+  Candidates<OverloadInfo> exact;
   for (const auto& overload : all) {
-    if (overload->matches(plain)) {
-      exact.push_back(overload);
-    } else if (fitsWithConversion(*overload, plain)) {
-      converted.push_back(overload);
-    }
+    if (overload->matches(plain)) exact.push_back(&overload);
+  }
+  if (exact.size() == 1) return *exact.front();
+  Candidates<OverloadInfo> converted;
+  for (const auto& overload : all) {
+    if (!overload->matches(plain) && fitsWithConversion(*overload, plain)) converted.push_back(&overload);
   }
   // Functions have no ranking: two fits of equal standing are an error.
-  if (exact.size() >= 2 || (exact.empty() && converted.size() >= 2)) {
+  if (exact.size() >= 2 || converted.size() >= 2) {
     exact.insert(exact.end(), converted.begin(), converted.end());
-    throw AmbiguousFunctionCall(function.name, types, std::move(exact));
+    throw AmbiguousFunctionCall(function.name, types, shared(exact));
   }
-  if (exact.size() == 1) return exact.front();
-  if (converted.size() == 1) return converted.front();
+  if (converted.size() == 1) return *converted.front();
   throw NoGoodFunctionCandidate(function.name, types, std::move(all));
 }
 
@@ -191,18 +209,19 @@ std::shared_ptr<OperatorOverloadInfo> TypeInferer::findOperatorOverload(const as
                                                                         const std::vector<std::shared_ptr<Type>>& types) {
   std::vector<std::shared_ptr<OperatorOverloadInfo>> all = info->overloads();
   const std::vector<PlainType> plain = toPlainTypes(types);
-  std::vector<std::shared_ptr<OperatorOverloadInfo>> exact;
+  Candidates<OperatorOverloadInfo> exact;
+  for (const auto& overload : all) {
+    if (overload->matches(plain, operation.quantifier)) exact.push_back(&overload);
+  }
+  if (exact.size() == 1) return *exact.front();
+  // Unlike functions, the converted candidates play no part once two fit exactly.
+  if (exact.size() >= 2) throw AmbiguousOperatorCall(operation.operation, types, shared(exact));
   std::vector<std::shared_ptr<OperatorOverloadInfo>> converted;
   for (const auto& overload : all) {
-    if (overload->matches(plain, operation.quantifier)) {
-      exact.push_back(overload);
-    } else if (overload->mQuantifier == operation.quantifier && fitsWithConversion(*overload, plain)) {
+    if (overload->mQuantifier == operation.quantifier && fitsWithConversion(*overload, plain)) {
       converted.push_back(overload);
     }
   }
-  if (exact.size() == 1) return exact.front();
-  // Unlike functions, the converted candidates play no part once two fit exactly.
-  if (exact.size() >= 2) throw AmbiguousOperatorCall(operation.operation, types, std::move(exact));
   if (converted.empty()) throw NoGoodOperatorOverload(operation.operation, types, std::move(all));
   try {
     return findBestOperatorMatch(converted, plain);

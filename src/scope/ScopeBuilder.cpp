@@ -142,8 +142,9 @@ std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const
     visitor.doVisit(item);
     for (ColumnInfo& column : visitor.result()) {
       // A new name always grows from originalName, never from an alias: x, x1, x2.
-      for (int k = 1; seen.contains(column); ++k) column = column.rename(column.originalName() + std::to_wstring(k));
-      seen.insert(column);
+      for (int k = 1; !seen.insert(column).second; ++k) {
+        column = column.rename(column.originalName() + std::to_wstring(k));
+      }
       columns.push_back(std::move(column));
     }
   }

@@ -60,6 +60,7 @@ TEST(ScopeTest, ResolvesQualifiedAndUnqualifiedNames) {
        "cities.id"},
       {"derived table hides its source", {derived(query({item(col(L"id"))}, {tp(L"cities")}), L"d")}, {}, L"cities",
        L"id", "null"},
+      {"derived plain table keeps its own name", {derived(tp(L"cities"), L"d")}, {}, L"cities", L"id", "cities.id"},
       {"set operation gives no scope", {derived(unionOf(query({item(col(L"id"))}, {tp(L"roads")}),
                                                         query({item(col(L"id"))}, {tp(L"roads")})), L"u"),
                                         tp(L"cities")}, {}, L"", L"id", "cities.id"},
@@ -137,6 +138,17 @@ TEST(ScopeTest, EmptyAndNullAnswers) {
   const ScopeTypeContext nothing;
   EXPECT_EQ(nothing.columnType(L"t", L"x"), nullptr);
   EXPECT_TRUE(nothing.columnsForAsterisk(L"t").empty());
+}
+
+TEST(ScopeTest, ResultColumnsBehindTheFromList) {
+  // How a statement sees its own output columns: unqualified only, and after the FROM list.
+  const auto from = scopeOf({tp(L"roads")});
+  const auto result = buildTableInfo(host(), from, {item(col(L"lanes"), L"width"), item(col(L"name"))});
+  const auto full = addExternalScope(from, std::make_shared<TableInfoScope>(ast::TablePrimary{}, result));
+  EXPECT_EQ(origin(full->columnInfo(L"", L"width")), "roads.lanes");
+  EXPECT_EQ(narrow(full->columnInfo(L"", L"name").canonicalName()), "name");
+  EXPECT_TRUE(full->columnInfo(L"roads", L"width").isNull());
+  EXPECT_EQ(pairsText(full->columnsForAsterisk(L"")), pairsText(from->columnsForAsterisk(L"")));
 }
 
 TEST(ScopeTest, ExternalScopeAddedOnlyWhenThere) {
