@@ -1,16 +1,14 @@
-// Context casts and aggregate detection over hand-built statements.
+// Context casts and aggregate detection.
 #include <velmor/sql/validation/ContextChecks.h>
 
 #include "ValidationTestSupport.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 namespace velmor::sql::validation_test {
 namespace {
 
-// The sample host, counting its function lookups.
+// The sample host (objectinfo is ContextOpaque, count Aggregate), counting function lookups.
 class CountingHost : public sample::SampleHost {
 public:
   std::shared_ptr<FunctionInfo> function(const std::wstring& name) const override {
@@ -20,165 +18,132 @@ public:
   mutable int mLookups = 0;
 };
 
-ExpressionNode nonsenseCast() { return cast(col(L"a"), col(L"nonsense")); }
-Select fromT(std::vector<Node> items) { return Select(std::move(items)).from({tbl(L"t")}); }
-
-struct ContextCase {
-  const char* name;
-  std::function<Select()> query;
-  bool context;
+struct Case {
+  const char* text;
+  bool expected;
 };
 
-const ContextCase contextCases[] = {
-    {"cast to a type", [] { return fromT({item(cast(col(L"a"), col(L"integer")))}); }, false},
-    {"cast to a sized type", [] { return fromT({item(cast(col(L"a"), fn(L"varchar", {num(L"20")})))}); }, false},
-    {"cast to an unknown word", [] { return fromT({item(nonsenseCast())}); }, true},
-    {"cast to an unknown sized word", [] { return fromT({item(cast(col(L"a"), fn(L"nonsense", {num(L"1")})))}); }, true},
-    {"cast to a qualified name", [] { return fromT({item(col(L"a"))}).where(eq(cast(col(L"a"), col(L"t", L"x")), num(L"1"))); }, true},
-    {"cast to a literal", [] { return fromT({item(cast(col(L"a"), num(L"5")))}); }, true},
-    {"cast with too many sizes", [] { return fromT({item(cast(col(L"a"), fn(L"date", {num(L"1")})))}); }, true},
-    {"cast inside the value of a cast", [] { return fromT({item(cast(nonsenseCast(), col(L"integer")))}); }, true},
-    {"opaque function in a select list is looked into", [] { return fromT({item(fn(L"objectinfo", {nonsenseCast()}))}); }, true},
-    {"opaque function outside a select list hides its arguments",
-     [] { return fromT({item(col(L"a"))}).where(eq(fn(L"ObjectInfo", {nonsenseCast()}), num(L"1"))); }, false},
-    {"ordinary function outside a select list", [] { return fromT({item(col(L"a"))}).where(eq(fn(L"upper", {nonsenseCast()}), num(L"1"))); }, true},
-    {"aggregate function outside a select list", [] { return fromT({item(col(L"a"))}).having(eq(fn(L"count", {nonsenseCast()}), num(L"1"))); }, true},
-    {"function unknown to the host is walked like an ordinary one",
-     [] { return fromT({item(col(L"a"))}).where(eq(fn(L"nofunction", {nonsenseCast()}), num(L"1"))); }, true},
-    {"subquery in a select list has its own clauses",
-     [] { return fromT({item(fromT({item(col(L"a"))}).where(fn(L"objectinfo", {nonsenseCast()})).node())}); }, false},
-    {"subquery's own select list",
-     [] { return fromT({item(fromT({item(fn(L"objectinfo", {nonsenseCast()}))}).node())}); }, true},
-    {"back in the select list after a subquery",
-     [] { return fromT({item(fromT({item(col(L"a"))}).node()), item(fn(L"objectinfo", {nonsenseCast()}))}); }, true},
-    {"ORDER BY", [] { return fromT({item(col(L"a"))}).orderBy({col(L"a"), nonsenseCast()}); }, true},
-    {"GROUP BY", [] { return fromT({item(col(L"a"))}).groupBy({nonsenseCast(), col(L"a")}); }, true},
-    {"HAVING", [] { return fromT({item(col(L"a"))}).having(nonsenseCast()); }, true},
-    {"derived table in FROM", [] { return Select({star()}).from({fromT({item(nonsenseCast(), L"x")}).derived(L"d")}); }, true},
-    {"join condition",
-     [] {
-       return Select({star()}).from({ast::makeNode<QueryExpressionNode>(ast::JoinNode{
-           ast::Join::Inner, tbl(L"t"), tbl(L"u"), ast::makeNode(ast::JoinCondition{eq(nonsenseCast(), num(L"1"))})})});
-     },
-     true},
-    {"natural join without a specification",
-     [] { return Select({star()}).from({ast::makeNode<QueryExpressionNode>(ast::JoinNode{ast::Join::Inner, tbl(L"t"), tbl(L"u"), ast::makeEmptyNode()})}); },
-     false},
-    {"row and list values",
-     [] { return fromT({item(col(L"a"))}).where(op(Op::In, {col(L"a"), ast::makeNode<ExpressionNode>(ast::RowValueExpressionList{{num(L"1"), nonsenseCast()}})})); },
-     true},
-    {"query operation in an expression",
-     [] {
-       return fromT({item(col(L"a"))}).where(op(Op::Exists, {ast::makeNode<ExpressionNode>(ast::QueryOperation{
-           ast::QueryOperationCode::Union, true, ast::makeNode<QueryExpressionNode>(fromT({star()}).q),
-           ast::makeNode<QueryExpressionNode>(fromT({item(nonsenseCast())}).q)})}));
-     },
-     true},
+const Case contextCases[] = {
+    {"SELECT CAST(a AS integer) FROM t", false},
+    {"SELECT CAST(a AS varchar(20)) FROM t", false},
+    {"SELECT CAST(a AS nonsense) FROM t", true},
+    {"SELECT CAST(a AS nonsense(1)) FROM t", true},
+    {"SELECT a FROM t WHERE CAST(a AS t.x) = 1", true},
+    {"SELECT CAST(a AS 5) FROM t", true},
+    {"SELECT CAST(a AS date(1)) FROM t", true},
+    {"SELECT CAST(CAST(a AS nonsense) AS integer) FROM t", true},
+    // Opaque functions hide their arguments outside a select list only.
+    {"SELECT objectinfo(CAST(a AS nonsense)) FROM t", true},
+    {"SELECT a FROM t WHERE ObjectInfo(CAST(a AS nonsense)) = 1", false},
+    {"SELECT a FROM t WHERE upper(CAST(a AS nonsense)) = 1", true},
+    {"SELECT a FROM t HAVING count(CAST(a AS nonsense)) = 1", true},
+    {"SELECT a FROM t WHERE nofunction(CAST(a AS nonsense)) = 1", true},
+    {"SELECT (SELECT a FROM u WHERE objectinfo(CAST(a AS nonsense))) FROM t", false},
+    {"SELECT (SELECT objectinfo(CAST(a AS nonsense)) FROM u) FROM t", true},
+    {"SELECT (SELECT a FROM u), objectinfo(CAST(a AS nonsense)) FROM t", true},
+    // Every clause that produces values.
+    {"SELECT a FROM t ORDER BY a, CAST(a AS nonsense)", true},
+    {"SELECT a FROM t GROUP BY CAST(a AS nonsense), a", true},
+    {"SELECT a FROM t GROUP BY a HAVING CAST(a AS nonsense)", true},
+    {"SELECT * FROM (SELECT CAST(a AS nonsense) AS x FROM t) AS d", true},
+    {"SELECT * FROM t JOIN u ON CAST(a AS nonsense) = 1", true},
+    {"SELECT * FROM t NATURAL JOIN u", false},
+    {"SELECT a FROM t WHERE a IN (1, CAST(a AS nonsense))", true},
+    {"SELECT a FROM t WHERE EXISTS (SELECT * FROM t UNION SELECT CAST(a AS nonsense) FROM u)", true},
+    {"SELECT a FROM t LIMIT 1", false},
 };
 
-class ContextQueries : public testing::TestWithParam<ContextCase> {};
+class ContextQueries : public testing::TestWithParam<Case> {};
 
 TEST_P(ContextQueries, IsContext) {
   const sample::SampleHost host;
   ContextCheckVisitor visitor(host);
-  EXPECT_EQ(visitor.isContext(GetParam().query().q), GetParam().context) << GetParam().name;
+  EXPECT_EQ(visitor.isContext(parseAs<ast::QuerySpecification>(GetParam().text)), GetParam().expected);
   EXPECT_FALSE(visitor.inSelect());
 }
 
-INSTANTIATE_TEST_SUITE_P(ContextCheck, ContextQueries, testing::ValuesIn(contextCases),
-                         [](const auto& info) { return "case" + std::to_string(info.index); });
+const auto caseName = [](const auto& info) { return "case" + std::to_string(info.index); };
+INSTANTIATE_TEST_SUITE_P(ContextCheck, ContextQueries, testing::ValuesIn(contextCases), caseName);
 
 TEST(ContextCheck, AnAnswerIsFinalForTheObject) {
   const sample::SampleHost host;
   ContextCheckVisitor visitor(host);
-  EXPECT_FALSE(visitor.isContext(fromT({item(col(L"a"))}).q));
-  EXPECT_TRUE(visitor.isContext(fromT({item(nonsenseCast())}).q));
-  EXPECT_TRUE(visitor.isContext(fromT({item(col(L"a"))}).q));
+  const auto clean = parseAs<ast::QuerySpecification>("SELECT a FROM t");
+  EXPECT_FALSE(visitor.isContext(clean));
+  EXPECT_TRUE(visitor.isContext(parseAs<ast::QuerySpecification>("SELECT CAST(a AS x) FROM t")));
+  EXPECT_TRUE(visitor.isContext(clean));
 }
 
-TEST(ContextCheck, StatementsAndTheHostCalls) {
-  CountingHost host;
-  const auto clean = fromT({item(col(L"a"))}).q;
-  {
-    // The select list never asks the host; the opaque call outside it does, once.
-    ContextCheckVisitor visitor(host);
-    visitor.visit(update(L"t", {{L"a", fn(L"upper", {col(L"b")})}}, fn(L"objectinfo", {nonsenseCast()})));
-    EXPECT_FALSE(visitor.isContext(fromT({item(fn(L"upper", {col(L"a")}))}).q));
-    EXPECT_EQ(host.mLookups, 2);
-  }
-  {
-    // Nothing is looked at once a context cast is found.
-    ContextCheckVisitor visitor(host);
-    host.mLookups = 0;
-    visitor.visit(update(L"t", {{L"a", nonsenseCast()}}, fn(L"upper", {col(L"b")})));
-    EXPECT_EQ(host.mLookups, 0);
-    EXPECT_TRUE(visitor.isContext(clean));
-  }
-  {
-    ContextCheckVisitor visitor(host);
-    visitor.visit(ast::DeleteStatement{L"t", nonsenseCast()});
-    EXPECT_TRUE(visitor.isContext(clean));
-  }
-  {
-    ContextCheckVisitor visitor(host);
-    visitor.visit(ast::InsertStatement{L"t", ast::FromSource{{}, ast::Overriding::None, fromT({item(nonsenseCast())}).node()}});
-    EXPECT_TRUE(visitor.isContext(clean));
-  }
-  {
-    ContextCheckVisitor visitor(host);
-    visitor.visit(ast::InsertStatement{L"t", ast::FromSource{{}, ast::Overriding::None, ast::makeEmptyNode()}});
-    visitor.visit(ast::DeleteStatement{L"t", ast::makeEmptyNode<ExpressionNode>()});
-    EXPECT_FALSE(visitor.isContext(clean));
-  }
+// Statements are visited directly; isContext of a clean query then reads the answer.
+struct StatementCase {
+  const char* text;
+  bool expected;
+  int lookups;
+};
+
+const StatementCase statementCases[] = {
+    {"UPDATE t SET a = upper(b) WHERE objectinfo(CAST(a AS x))", false, 2},
+    {"UPDATE t SET a = CAST(a AS x) WHERE upper(b)", true, 0},
+    {"DELETE FROM t WHERE CAST(a AS x) = 1", true, 0},
+    {"DELETE FROM t", false, 0},
+    {"INSERT INTO t SELECT CAST(a AS x) FROM u", true, 0},
+    {"INSERT INTO t VALUES (1, CAST(a AS x))", true, 0},
+    {"INSERT INTO t DEFAULT VALUES", false, 0},
+};
+
+class ContextStatements : public testing::TestWithParam<StatementCase> {};
+
+TEST_P(ContextStatements, IsContext) {
+  const CountingHost host;
+  ContextCheckVisitor visitor(host);
+  parse(GetParam().text).accept(visitor);
+  EXPECT_EQ(host.mLookups, GetParam().lookups);
+  EXPECT_EQ(visitor.isContext(parseAs<ast::QuerySpecification>("SELECT upper(a) FROM t")), GetParam().expected);
+  EXPECT_EQ(host.mLookups, GetParam().lookups);  // a select list asks the host nothing
 }
+
+INSTANTIATE_TEST_SUITE_P(ContextCheck, ContextStatements, testing::ValuesIn(statementCases), caseName);
 
 TEST(ContextCheck, ASizeThatIsNoNumberPassesThrough) {
   const sample::SampleHost host;
   ContextCheckVisitor visitor(host);
-  EXPECT_THROW(visitor.isContext(fromT({item(cast(col(L"a"), fn(L"varchar", {col(L"b")})))}).q), ast::BadNodeTypeException);
+  EXPECT_THROW(visitor.isContext(parseAs<ast::QuerySpecification>("SELECT CAST(a AS varchar(b)) FROM t")),
+               ast::BadNodeTypeException);
 }
 
-struct AggregateCase {
-  const char* name;
-  std::function<Node()> node;
-  bool aggregate;
+const Case aggregateCases[] = {
+    {"count(a)", true},
+    {"a + 1", false},
+    {"abs(SUM(a))", true},
+    {"nofunction(a)", false},
+    {"objectinfo(a, 1)", false},
+    {"SELECT max(a) FROM t", true},
+    {"SELECT a FROM t GROUP BY a", true},
+    {"a IN (SELECT count(b) FROM u)", false},
+    {"a IN (SELECT b FROM u GROUP BY b)", true},
+    {"SELECT (SELECT count(b) FROM u) FROM t", false},
+    {"SELECT (SELECT b FROM u GROUP BY b) FROM t", true},
+    {"(SELECT b FROM u) + avg(a)", true},
+    {"EXISTS (SELECT a FROM t UNION SELECT count(b) FROM u)", false},
 };
 
-ExpressionNode grouped() { return Select({item(col(L"b"))}).from({tbl(L"u")}).groupBy({col(L"b")}).node(); }
-
-const AggregateCase aggregateCases[] = {
-    {"aggregate call", [] { return fn(L"count", {col(L"a")}); }, true},
-    {"plain expression", [] { return op(Op::Plus, {col(L"a"), num(L"1")}); }, false},
-    {"aggregate below an ordinary call", [] { return fn(L"abs", {fn(L"SUM", {col(L"a")})}); }, true},
-    {"unknown function", [] { return fn(L"nofunction", {col(L"a")}); }, false},
-    {"opaque function", [] { return fn(L"objectinfo", {col(L"a"), num(L"1")}); }, false},
-    {"the query itself is walked", [] { return Select({item(fn(L"max", {col(L"a")}))}).from({tbl(L"t")}).node(); }, true},
-    {"a grouped query", [] { return Select({item(col(L"a"))}).from({tbl(L"t")}).groupBy({col(L"a")}).node(); }, true},
-    {"aggregate in a nested query", [] { return op(Op::In, {col(L"a"), fromT({item(fn(L"count", {col(L"b")}))}).node()}); }, false},
-    {"grouped nested query", [] { return op(Op::In, {col(L"a"), grouped()}); }, true},
-    {"nested query in a query's select list", [] { return Select({item(fromT({item(fn(L"count"))}).node())}).from({tbl(L"t")}).node(); }, false},
-    {"grouped query in a query's select list", [] { return Select({item(grouped())}).from({tbl(L"t")}).node(); }, true},
-    {"aggregate after a nested query", [] { return op(Op::Plus, {fromT({item(col(L"b"))}).node(), fn(L"avg", {col(L"a")})}); }, true},
-};
-
-class AggregateQueries : public testing::TestWithParam<AggregateCase> {};
+class AggregateQueries : public testing::TestWithParam<Case> {};
 
 TEST_P(AggregateQueries, IsAggregate) {
   const sample::SampleHost host;
   AggregateQueryDetector detector(host);
-  EXPECT_EQ(detector.isAggregate(GetParam().node()), GetParam().aggregate) << GetParam().name;
+  EXPECT_EQ(detector.isAggregate(parse(GetParam().text)), GetParam().expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(AggregateQueryDetector, AggregateQueries, testing::ValuesIn(aggregateCases),
-                         [](const auto& info) { return "case" + std::to_string(info.index); });
+INSTANTIATE_TEST_SUITE_P(AggregateQueryDetector, AggregateQueries, testing::ValuesIn(aggregateCases), caseName);
 
 TEST(AggregateQueryDetector, StopsAtTheFirstAggregateAndThrowsOnAnEmptyHandle) {
-  CountingHost host;
+  const CountingHost host;
   AggregateQueryDetector detector(host);
-  EXPECT_TRUE(detector.isAggregate(op(Op::Plus, {fn(L"upper", {col(L"a")}), fn(L"count")})));
   // The walk takes the last operand first and stops there.
+  EXPECT_TRUE(detector.isAggregate(parse("upper(a) + count()")));
   EXPECT_EQ(host.mLookups, 1);
-  EXPECT_THROW(detector.isAggregate(Node()), ast::NullNodeException);
+  EXPECT_THROW(detector.isAggregate(ast::Node()), ast::NullNodeException);
 }
 
 } // namespace

@@ -17,8 +17,9 @@ namespace velmor::sql {
 /// at. A walk stops at the first context cast found.
 ///
 /// The host context is borrowed and must outlive the visitor. An answer is final: a visitor that
-/// once found a context cast keeps saying so. Throws what the host throws, and
-/// ast::BadNodeTypeException for a CAST target with a size that is no number. One thread, one use.
+/// once found a context cast keeps saying so. Throws what the host throws,
+/// ast::BadNodeTypeException for a CAST size that is no number and std::out_of_range for one too
+/// large to read. One thread at a time.
 class VELMOR_SQL_API ContextCheckVisitor : public ast::NodeVisitor {
 public:
   explicit ContextCheckVisitor(const GlobalTypeContext& globalContext);

@@ -21,9 +21,10 @@ class ColumnInfoScope;
 /// Faults of table qualifiers, an aggregate in WHERE and a context query are gathered and the
 /// run goes on; any other SqlError (an unknown table, column or function, no fitting overload,
 /// an unsupported operator...) ends the run and is put in the list as well, as a clone of the
-/// most derived class. Exceptions that are no SqlError (std::bad_alloc, ast::NullNodeException,
-/// ast::BadNodeTypeException, TypeInferenceException, whatever the host throws) pass through
-/// untouched, leaving in the list what was gathered before.
+/// most derived class. Exceptions that are no SqlError pass through untouched, leaving in the
+/// list what was gathered before: std::bad_alloc, ast::NullNodeException (an empty handle in a
+/// hand-made tree), ast::BadNodeTypeException (a CAST size that is no number),
+/// std::out_of_range (a CAST size too large to read), whatever the host throws.
 ///
 /// The contexts are borrowed and must outlive the validator; the external scope is shared. A
 /// validator may check any number of statements in turn; each run appends to `mErrors`, which
