@@ -6,6 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -53,7 +54,8 @@ class NoParseContext : public ParseContext {};
 const std::vector<ast::Node>& corpusTrees() {
   static const std::vector<ast::Node> trees = [] {
     std::vector<ast::Node> parsed;
-    std::ifstream in(VELMOR_BENCH_CORPUS);
+    const char* overridePath = std::getenv("VELMOR_BENCH_CORPUS");
+    std::ifstream in(overridePath != nullptr ? overridePath : VELMOR_BENCH_CORPUS);
     NoParseContext context;
     for (std::string line; std::getline(in, line);) {
       SqlParser parser(context);

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <iostream>
+#include <stdexcept>
 
 namespace velmor::sql {
 
@@ -252,8 +253,9 @@ void SqlStringBuilder::visit(const ast::Function& record) {
 }
 
 void SqlStringBuilder::visit(const ast::RowValueExpression& record) {
-  // A row without values is not writable (ROW() parses to one); at() turns it into an exception.
-  doVisit(record.values.at(0));
+  // ROW() parses to a row without values, which has no text.
+  if (record.values.empty()) throw std::out_of_range("a row without values cannot be written");
+  doVisit(record.values[0]);
   std::wstring text = L"(";
   text += mStack.top();
   mStack.pop();
@@ -269,7 +271,8 @@ void SqlStringBuilder::visit(const ast::RowValueExpression& record) {
 
 void SqlStringBuilder::visit(const ast::RowValueExpressionList& record) {
   // Each row brings its own parentheses; the list itself has none.
-  doVisit(record.rows.at(0));
+  if (record.rows.empty()) throw std::out_of_range("a row list without rows cannot be written");
+  doVisit(record.rows[0]);
   for (std::size_t i = 1; i < record.rows.size(); ++i) {
     doVisit(record.rows[i]);
     std::wstring row = std::move(mStack.top());

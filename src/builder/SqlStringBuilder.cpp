@@ -8,6 +8,7 @@
 #include <velmor/sql/types/Strings.h>
 
 #include <iostream>
+#include <stdexcept>
 
 namespace velmor::sql {
 
@@ -315,8 +316,8 @@ void SqlStringBuilder::visit(const ast::SetClause& clause) {
 }
 
 void SqlStringBuilder::visit(const ast::UpdateStatement& record) {
-  // A statement without assignments cannot be written; at() turns that into an exception.
-  visit(record.clauses.at(0));
+  if (record.clauses.empty()) throw std::out_of_range("an UPDATE without assignments cannot be written");
+  visit(record.clauses[0]);
   std::wstring assignments = std::move(mStack.top());
   mStack.pop();
   for (std::size_t i = 1; i < record.clauses.size(); ++i) {

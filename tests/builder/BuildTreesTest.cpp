@@ -207,6 +207,10 @@ TEST(BuildTreesTest, NullHandlesThrowAndUnwrittenKindsKeepTheStack) {
   // ROW() parses to a row without values, which cannot be written.
   EXPECT_THROW(builder.buildString(makeNode(RowValueExpression{})), std::out_of_range);
   EXPECT_THROW(builder.buildString(makeNode(UpdateStatement{L"t", {}, ExpressionNode()})), std::out_of_range);
+  // A LIMIT beyond the reading of its value lets the reader's exception through.
+  QuerySpecification huge = select({col(L"a")}, {table(L"t")});
+  huge.limit.limit = Number{NumberKind::Integer, L"99999999999999999999"};
+  EXPECT_THROW(builder.buildString(makeNode(huge)), std::out_of_range);
   testing::internal::CaptureStderr();
   builder.visit(LimitSpecification{});
   EXPECT_NE(testing::internal::GetCapturedStderr().find("should never call"), std::string::npos);

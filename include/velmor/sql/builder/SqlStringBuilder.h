@@ -47,6 +47,8 @@ public:
   /// The text of `node`. Re-entrant from a derived builder's own visit, since it measures
   /// the stack against the depth it finds. Throws ast::NullNodeException for an empty handle;
   /// a node holding EmptyNode has no text (ask isNull first; the result is then empty).
+  /// Throws std::out_of_range for a row without values (as ROW() parses) or an UPDATE without
+  /// assignments, and lets through that of a LIMIT or OFFSET beyond 64 bits.
   /// Exceptions of a walk leave fragments behind, which later calls tolerate.
   std::wstring buildString(const ast::Node& node);
 
