@@ -1,7 +1,6 @@
-// Result tables and select types of SQL texts, end to end through the parser.
-#if __has_include(<velmor/sql/parser/SqlParser.h>)
-
+// Result tables with their types, and the types of whole select lists, from SQL texts.
 #include "scope/Describe.h"
+#include "scope/Trees.h"
 #include "support/SampleHost.h"
 
 #include <velmor/sql/ast/Traversal.h>
@@ -13,8 +12,6 @@
 
 namespace velmor::sql::test {
 namespace {
-
-class NoContext : public ParseContext {};
 
 // The sample catalogue with IN over an array and CAST from integers.
 class TextHost : public sample::SampleHost {
@@ -35,13 +32,6 @@ public:
 TextHost& host() {
   static TextHost instance;
   return instance;
-}
-
-ast::QuerySpecification parsed(const std::string& sql) {
-  NoContext context;
-  SqlParser parser(context);
-  EXPECT_TRUE(parser.parse(sql)) << sql;
-  return ast::getNodeValue<ast::QuerySpecification>(parser.result);
 }
 
 std::string tableText(const TableInfo& table) {
@@ -69,14 +59,10 @@ TEST(SqlTextTest, ResultTables) {
       {"SELECT r.lanes * 2 AS w, upper(c.name) FROM cities AS c JOIN roads AS r ON r.city_id = c.id",
        "w:Decimal(5,0) column_1:VarChar(100)"},
       {"SELECT count(*), max(population) FROM cities", "column_1:BigInt column_2:Double"},
-      {"SELECT name FROM cities, roads", "AmbiguousColumnReference .name"},
-      {"SELECT cities.name FROM cities AS c", "UnknownColumnReference cities.name"},
-      {"SELECT * FROM cities, nowhere", "NonExistentTable nowhere"},
       {"SELECT abs(name) FROM cities", "NoGoodFunctionCandidate abs(VarChar(100)) 3"},
-      {"SELECT id % 2 FROM cities", "OperatorNotSupported Modulo"},
   };
   for (const auto& [sql, expected] : cases) {
-    const auto query = parsed(sql);
+    const auto query = parseQuery(sql);
     EXPECT_EQ(outcome([&] { return tableText(*buildTableInfo(host(), host(), query, nullptr)); }), expected) << sql;
   }
 }
@@ -88,19 +74,16 @@ TEST(SqlTextTest, SelectTypes) {
       {"SELECT id IN (1, 2), (SELECT lanes FROM roads), ROW(1, 'a') FROM roads",
        "Boolean Array(SmallInt) Decimal(1,0) Char(1)"},
       {"SELECT name || 'x', length BETWEEN 1 AND 2 FROM roads", "VarChar(61) Boolean"},
-      {"SELECT obj CONTAINS obj FROM roads", "Boolean"},
       {"SELECT lanes = ANY (SELECT lanes FROM roads) FROM roads",
        "NoGoodOperatorOverload Equal(SmallInt Array(SmallInt)) 27"},
       {"SELECT CAST(id AS varchar(20)), CAST(id AS int(8)), CAST(id AS decimal(5, 2)) FROM roads",
        "VarChar(20) SmallInt Decimal(5,2)"},
-      {"SELECT CAST(id AS nonsense) FROM roads", "NoGoodOperatorOverload Cast(Integer -) 4"},
-      {"SELECT id IN (1, 'a') FROM roads", "NoGoodOperatorOverload In(Integer Tuple(Decimal(1,0),Char(1))) 1"},
       {"SELECT (SELECT lanes, city_id FROM cities) FROM roads", "Array(Tuple(SmallInt,Integer))"},
       {"SELECT lanes FROM roads WHERE EXISTS (SELECT note FROM sensors)", "SmallInt"},
       {"SELECT id FROM roads WHERE lanes > 1", "Integer"},
   };
   for (const auto& [sql, expected] : cases) {
-    const auto query = parsed(sql);
+    const auto query = parseQuery(sql);
     EXPECT_EQ(outcome([&] {
                 const auto scope = buildScope(host(), host(), query, nullptr);
                 return typesText(TypeInferer(host(), *scope).selectTypes(query.selectList));
@@ -112,5 +95,3 @@ TEST(SqlTextTest, SelectTypes) {
 
 } // namespace
 } // namespace velmor::sql::test
-
-#endif

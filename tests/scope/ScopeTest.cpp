@@ -16,59 +16,52 @@ sample::SampleHost& host() {
   return instance;
 }
 
-std::shared_ptr<ColumnInfoScope> scopeOf(std::vector<Q> from, std::vector<Q> outer = {}) {
+// The scope of a FROM list written as text, behind the scope of an enclosing FROM list if any.
+std::shared_ptr<ColumnInfoScope> scopeOf(const char* from, const char* outer = "") {
   std::shared_ptr<ColumnInfoScope> external;
-  if (!outer.empty()) external = buildScope(host(), host(), spec({}, std::move(outer)), nullptr);
-  return buildScope(host(), host(), spec({}, std::move(from)), external);
+  if (*outer) external = buildScope(host(), host(), parseQuery(std::string("SELECT 1 FROM ") + outer), nullptr);
+  return buildScope(host(), host(), parseQuery(std::string("SELECT 1 FROM ") + from), external);
 }
 
-struct Resolution {
-  const char* what;
-  std::vector<Q> from;
-  std::vector<Q> outer;
-  const wchar_t* table;
-  const wchar_t* column;
-  const char* expected;  // origin of the column found, "null", or the fault
-};
-
 TEST(ScopeTest, ResolvesQualifiedAndUnqualifiedNames) {
-  const Resolution cases[] = {
-      {"plain table", {tp(L"cities")}, {}, L"", L"name", "cities.name"},
-      {"qualified, case folded", {tp(L"cities")}, {}, L"CITIES", L"Name", "cities.name"},
-      {"second name of a column", {tp(L"sensors")}, {}, L"", L"key", "sensors.id"},
-      {"unknown column", {tp(L"cities")}, {}, L"", L"zzz", "null"},
-      {"alias resolves", {tp(L"cities", L"c")}, {}, L"c", L"name", "cities.name"},
-      {"alias hides the table name", {tp(L"cities", L"c")}, {}, L"cities", L"name", "null"},
-      {"two tables conflict", {tp(L"cities"), tp(L"roads")}, {}, L"", L"name", "AmbiguousColumnReference .name"},
-      {"ambiguity keeps the name as given", {tp(L"cities"), tp(L"roads")}, {}, L"", L"NAME",
-       "AmbiguousColumnReference .NAME"},
-      {"qualifier picks the left", {tp(L"cities"), tp(L"roads")}, {}, L"cities", L"name", "cities.name"},
-      {"qualifier picks the right", {tp(L"cities"), tp(L"roads")}, {}, L"roads", L"name", "roads.name"},
-      {"only one side has it", {tp(L"cities"), tp(L"roads")}, {}, L"", L"lanes", "roads.lanes"},
-      {"USING join keeps both sides", {usingJoin(tp(L"cities"), tp(L"roads"), {L"id"})}, {}, L"", L"id",
-       "AmbiguousColumnReference .id"},
-      {"same table twice", {tp(L"cities", L"a"), tp(L"cities", L"b")}, {}, L"", L"id", "AmbiguousColumnReference .id"},
-      {"same table twice, qualified", {tp(L"cities", L"a"), tp(L"cities", L"b")}, {}, L"b", L"id", "cities.id"},
-      {"nested join conflicts", {join(tp(L"cities"), tp(L"roads")), tp(L"countries")}, {}, L"", L"obj",
-       "AmbiguousColumnReference .obj"},
-      {"inner column hides outer one", {tp(L"roads")}, {tp(L"cities")}, L"", L"name", "roads.name"},
-      {"outer column seen from inside", {tp(L"roads")}, {tp(L"cities")}, L"", L"population", "cities.population"},
-      {"outer table qualified", {tp(L"roads")}, {tp(L"cities")}, L"cities", L"name", "cities.name"},
-      {"two outer tables still conflict", {tp(L"sensors")}, {tp(L"cities"), tp(L"roads")}, L"", L"name",
-       "AmbiguousColumnReference .name"},
-      {"derived table by its alias", {derived(query({item(col(L"id"))}, {tp(L"cities")}), L"d")}, {}, L"d", L"id",
-       "cities.id"},
-      {"derived table hides its source", {derived(query({item(col(L"id"))}, {tp(L"cities")}), L"d")}, {}, L"cities",
-       L"id", "null"},
-      {"derived plain table keeps its own name", {derived(tp(L"cities"), L"d")}, {}, L"cities", L"id", "cities.id"},
-      {"set operation gives no scope", {derived(unionOf(query({item(col(L"id"))}, {tp(L"roads")}),
-                                                        query({item(col(L"id"))}, {tp(L"roads")})), L"u"),
-                                        tp(L"cities")}, {}, L"", L"id", "cities.id"},
+  const struct {
+    const char* from;
+    const char* outer;
+    const wchar_t* table;
+    const wchar_t* column;
+    const char* expected;  // origin of the column found, "null", or the fault
+  } cases[] = {
+      {"cities", "", L"", L"name", "cities.name"},
+      {"cities", "", L"CITIES", L"Name", "cities.name"},
+      {"sensors", "", L"", L"key", "sensors.id"},  // a second name of a column
+      {"cities", "", L"", L"zzz", "null"},
+      {"cities AS c", "", L"c", L"name", "cities.name"},
+      {"cities AS c", "", L"cities", L"name", "null"},  // the alias hides the table name
+      {"cities, roads", "", L"", L"name", "AmbiguousColumnReference .name"},
+      {"cities, roads", "", L"", L"NAME", "AmbiguousColumnReference .NAME"},
+      {"cities, roads", "", L"cities", L"name", "cities.name"},
+      {"cities, roads", "", L"roads", L"name", "roads.name"},
+      {"cities, roads", "", L"", L"lanes", "roads.lanes"},
+      {"cities JOIN roads USING (id)", "", L"", L"id", "AmbiguousColumnReference .id"},
+      {"cities AS a, cities AS b", "", L"", L"id", "AmbiguousColumnReference .id"},
+      {"cities AS a, cities AS b", "", L"b", L"id", "cities.id"},
+      {"cities JOIN roads ON 1 = 1, countries", "", L"", L"obj", "AmbiguousColumnReference .obj"},
+      {"roads", "cities", L"", L"name", "roads.name"},  // an inner column hides an outer one
+      {"roads", "cities", L"", L"population", "cities.population"},
+      {"roads", "cities", L"cities", L"name", "cities.name"},
+      {"sensors", "cities, roads", L"", L"name", "AmbiguousColumnReference .name"},
+      {"(SELECT id FROM cities) AS d", "", L"d", L"id", "cities.id"},
+      {"(SELECT id FROM cities) AS d", "", L"cities", L"id", "null"},
+      {"(SELECT id FROM roads UNION SELECT id FROM roads) AS u, cities", "", L"", L"id", "cities.id"},
   };
   for (const auto& c : cases) {
     const auto scope = scopeOf(c.from, c.outer);
-    EXPECT_EQ(outcome([&] { return origin(scope->columnInfo(c.table, c.column)); }), c.expected) << c.what;
+    EXPECT_EQ(outcome([&] { return origin(scope->columnInfo(c.table, c.column)); }), c.expected)
+        << c.from << " / " << narrow(c.table) << "." << narrow(c.column);
   }
+  // Only a host can put a plain table behind a derived table's alias; the table keeps its name.
+  const auto plain = buildScope(host(), host(), spec({}, {derived(tp(L"cities"), L"d")}), nullptr);
+  EXPECT_EQ(origin(plain->columnInfo(L"cities", L"id")), "cities.id");
 }
 
 std::string pairsText(const AsteriskColumns& pairs) {
@@ -77,36 +70,32 @@ std::string pairsText(const AsteriskColumns& pairs) {
   return text;
 }
 
-struct Expansion {
-  const char* what;
-  std::vector<Q> from;
-  std::vector<Q> outer;
-  const wchar_t* table;
-  const char* expected;
-};
-
 TEST(ScopeTest, ExpandsAsterisks) {
   const char* cities = "cities.id cities.name cities.population cities.area cities.founded cities.obj";
   const char* roads = "roads.id roads.name roads.city_id roads.length roads.lanes roads.obj";
-  const Expansion cases[] = {
-      {"all columns in order", {tp(L"Cities")}, {}, L"", cities},
-      {"named by the alias", {tp(L"sensors", L"S")}, {}, L"", "s.id s.reading s.taken s.active s.note"},
-      {"qualified", {tp(L"sensors", L"s")}, {}, L"S", "s.id s.reading s.taken s.active s.note"},
-      {"USING join keeps both sides", {usingJoin(tp(L"cities"), tp(L"roads"), {L"id"})}, {}, L"",
+  const struct {
+    const char* from;
+    const char* outer;
+    const wchar_t* table;
+    const char* expected;
+  } cases[] = {
+      {"Cities", "", L"", cities},
+      {"sensors AS S", "", L"", "s.id s.reading s.taken s.active s.note"},
+      {"sensors AS s", "", L"S", "s.id s.reading s.taken s.active s.note"},
+      {"cities JOIN roads USING (id)", "", L"",
        "cities.id cities.name cities.population cities.area cities.founded cities.obj "
        "roads.id roads.name roads.city_id roads.length roads.lanes roads.obj"},
-      {"right side of a join", {tp(L"cities"), tp(L"roads")}, {}, L"roads", roads},
-      {"same name twice gives its pairs once", {tp(L"cities"), tp(L"cities")}, {}, L"", cities},
-      {"two aliases of one table", {tp(L"countries", L"a"), tp(L"countries", L"b")}, {}, L"",
+      {"cities, roads", "", L"roads", roads},
+      {"cities, cities", "", L"", cities},  // the same name twice gives its pairs once
+      {"countries AS a, countries AS b", "", L"",
        "a.code a.name a.population a.obj b.code b.name b.population b.obj"},
-      {"unknown qualifier", {tp(L"cities")}, {}, L"roads", ""},
-      {"star stays inside the subquery", {tp(L"roads")}, {tp(L"cities")}, L"", roads},
-      {"qualified star reaches out", {tp(L"roads")}, {tp(L"cities")}, L"cities", cities},
-      {"derived table", {derived(query({item(col(L"id")), item(num(L"1"), L"one")}, {tp(L"cities")}), L"d")}, {}, L"",
-       "d.id d.one"},
+      {"cities", "", L"roads", ""},
+      {"roads", "cities", L"", roads},  // a star stays inside the subquery
+      {"roads", "cities", L"cities", cities},
+      {"(SELECT id, 1 AS one FROM cities) AS d", "", L"", "d.id d.one"},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(pairsText(scopeOf(c.from, c.outer)->columnsForAsterisk(c.table)), c.expected) << c.what;
+    EXPECT_EQ(pairsText(scopeOf(c.from, c.outer)->columnsForAsterisk(c.table)), c.expected) << c.from;
   }
 }
 
@@ -131,7 +120,7 @@ TEST(ScopeTest, EmptyAndNullAnswers) {
   EXPECT_TRUE(unknown[0].isNull());
   EXPECT_EQ(typeText(table.columnType(L"", L"name")), "VarChar(100)");
 
-  const auto joined = scopeOf({tp(L"cities"), tp(L"roads")});
+  const auto joined = scopeOf("cities, roads");
   EXPECT_TRUE(joined->columnsInfo(L"", L"zzz").empty());
   EXPECT_EQ(joined->columnsInfo(L"", L"name").size(), 2u);  // no ambiguity at this level
 
@@ -142,7 +131,7 @@ TEST(ScopeTest, EmptyAndNullAnswers) {
 
 TEST(ScopeTest, ResultColumnsBehindTheFromList) {
   // How a statement sees its own output columns: unqualified only, and after the FROM list.
-  const auto from = scopeOf({tp(L"roads")});
+  const auto from = scopeOf("roads");
   const auto result = buildTableInfo(host(), from, {item(col(L"lanes"), L"width"), item(col(L"name"))});
   const auto full = addExternalScope(from, std::make_shared<TableInfoScope>(ast::TablePrimary{}, result));
   EXPECT_EQ(origin(full->columnInfo(L"", L"width")), "roads.lanes");
@@ -152,9 +141,9 @@ TEST(ScopeTest, ResultColumnsBehindTheFromList) {
 }
 
 TEST(ScopeTest, ExternalScopeAddedOnlyWhenThere) {
-  const auto inner = scopeOf({tp(L"roads")});
+  const auto inner = scopeOf("roads");
   EXPECT_EQ(addExternalScope(inner, nullptr), inner);
-  const auto joined = addExternalScope(inner, scopeOf({tp(L"cities")}));
+  const auto joined = addExternalScope(inner, scopeOf("cities"));
   ASSERT_NE(dynamic_cast<const JoinScope*>(joined.get()), nullptr);
   EXPECT_EQ(origin(joined->columnInfo(L"", L"founded")), "cities.founded");
 

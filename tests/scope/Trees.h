@@ -2,6 +2,10 @@
 #pragma once
 
 #include <velmor/sql/ast/AST.h>
+#include <velmor/sql/ast/Traversal.h>
+#include <velmor/sql/parser/SqlParser.h>
+
+#include <stdexcept>
 
 #include <string>
 #include <utility>
@@ -19,7 +23,6 @@ inline E col(std::wstring table, std::wstring column) {
 inline E num(std::wstring text) { return ast::makeNode<E>(ast::Number{ast::NumberKind::Exact, std::move(text)}); }
 /// A string literal from its raw form with quotes ('it''s').
 inline E str(const std::wstring& raw) { return ast::makeNode<E>(ast::String{ASTStringValue(raw)}); }
-inline E truth(TernaryLogic value) { return ast::makeNode<E>(ast::TernaryLogicNode{value}); }
 inline E contextual(ast::Value value) { return ast::makeNode<E>(ast::ContextuallyTypedValueSpecification{value}); }
 inline E fn(std::wstring name, std::vector<E> arguments = {}) {
   return ast::makeNode<E>(ast::Function{std::move(name), false, ast::SetQuantifier::Unspecified, std::move(arguments)});
@@ -38,14 +41,6 @@ inline ast::Node star(std::wstring table = L"") { return ast::makeNode(ast::Qual
 inline Q tp(std::wstring table, std::wstring alias = L"") {
   return ast::makeNode<Q>(ast::TablePrimary{std::move(table), std::move(alias)});
 }
-inline Q join(Q left, Q right, ast::Join type = ast::Join::Inner, ast::Node specification = {}) {
-  return ast::makeNode<Q>(ast::JoinNode{type, std::move(left), std::move(right), std::move(specification)});
-}
-inline Q usingJoin(Q left, Q right, std::vector<std::wstring> columns) {
-  return join(std::move(left), std::move(right), ast::Join::Inner,
-              ast::makeNode(ast::NamedColumnsJoin{std::move(columns)}));
-}
-
 inline ast::QuerySpecification spec(std::vector<ast::Node> items, std::vector<Q> from = {}) {
   ast::QuerySpecification query;
   query.selectList = std::move(items);
@@ -58,8 +53,14 @@ inline Q query(std::vector<ast::Node> items, std::vector<Q> from = {}) {
 inline Q derived(Q query, std::wstring alias) {
   return ast::makeNode<Q>(ast::DerivedTable{std::move(query), std::move(alias)});
 }
-inline Q unionOf(Q left, Q right) {
-  return ast::makeNode<Q>(ast::QueryOperation{ast::QueryOperationCode::Union, true, std::move(left), std::move(right)});
+
+/// The query of an SQL text; a text that doesn't parse to a query throws std::invalid_argument.
+inline ast::QuerySpecification parseQuery(const std::string& sql) {
+  struct NoContext : ParseContext {};
+  NoContext context;
+  SqlParser parser(context);
+  if (!parser.parse(sql)) throw std::invalid_argument("does not parse: " + sql);
+  return ast::getNodeValue<ast::QuerySpecification>(parser.result);
 }
 
 } // namespace velmor::sql::test
