@@ -110,14 +110,16 @@ std::string typesText(const std::vector<std::shared_ptr<sql::Type>>& types) {
 
 namespace {
 
-std::string quoted(const std::wstring& text) {
+std::string quoted(const std::string& utf8) {
   std::string result = "\"";
-  for (const char c : toUtf8(text)) {
+  for (const char c : utf8) {
     result += c;
     if (c == '"') result += c;
   }
   return result + '"';
 }
+
+std::string quoted(const std::wstring& text) { return quoted(toUtf8(text)); }
 
 std::string plainTypesText(const std::vector<PlainType>& types) {
   std::string text;
@@ -254,7 +256,7 @@ std::string fieldsOf(const sql::SqlError& error) {
   } else if (const auto* e = dynamic_cast<const UnexpectedLexeme*>(&error)) {
     add("line", std::to_string(e->line));
     add("column", std::to_string(e->column));
-    add("text", '"' + e->text + '"');
+    add("text", quoted(e->text));
   }
   return f;
 }
