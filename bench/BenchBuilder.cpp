@@ -11,10 +11,7 @@
 #include <string>
 #include <vector>
 
-#if __has_include(<velmor/sql/parser/SqlParser.h>)
-#  include <velmor/sql/parser/SqlParser.h>
-#  define VELMOR_BENCH_HAVE_PARSER 1
-#endif
+#include <velmor/sql/parser/SqlParser.h>
 
 namespace {
 
@@ -48,7 +45,6 @@ void formatAll(benchmark::State& state, const std::vector<ast::Node>& trees,
   state.counters["statements"] = static_cast<double>(trees.size());
 }
 
-#ifdef VELMOR_BENCH_HAVE_PARSER
 class NoParseContext : public ParseContext {};
 
 const std::vector<ast::Node>& corpusTrees() {
@@ -76,7 +72,6 @@ void BM_FormatCorpusNoContext(benchmark::State& state) {
   formatAll(state, corpusTrees(), nullptr);
 }
 BENCHMARK(BM_FormatCorpusNoContext)->Unit(benchmark::kMillisecond);
-#endif
 
 // A statement of the corpus's shape built by hand, so that the writer can be measured alone.
 ast::Node syntheticStatement() {

@@ -1,7 +1,4 @@
 // velmor-sql format and rename: a statement written back as canonical SQL.
-// Built once the tool's command table is part of the tree.
-#if __has_include("Commands.h")
-#if __has_include(<velmor/sql/parser/SqlParser.h>)
 
 #include "Commands.h"
 #include "DefaultContext.h"
@@ -108,28 +105,3 @@ int runRename(const std::vector<std::string>& options) {
 }
 
 } // namespace velmor::cli
-
-#else
-
-#include "Commands.h"
-
-#include <iostream>
-#include <string>
-#include <vector>
-
-namespace velmor::cli {
-
-int runFormat(const std::vector<std::string>&) {
-  std::cerr << "velmor-sql format: this build has no parser\n";
-  return exitFailure;
-}
-
-int runRename(const std::vector<std::string>&) {
-  std::cerr << "velmor-sql rename: this build has no parser\n";
-  return exitFailure;
-}
-
-} // namespace velmor::cli
-
-#endif
-#endif

@@ -7,8 +7,6 @@
 //   = text with the tool's default context
 //   - text without a context, when it differs from the "=" line
 // Set VELMOR_REWRITE_GOLDEN=1 to rewrite the expectations from the current output.
-#if __has_include(<velmor/sql/parser/SqlParser.h>)
-
 #include "../../cli/DefaultContext.h"
 
 #include <velmor/sql/builder/RenameTableBuilder.h>
@@ -237,8 +235,14 @@ public:
     const std::string without = format(*tree, mEntry, false);
     EXPECT_EQ(with, mEntry.withContext) << mEntry.input;
     EXPECT_EQ(without, mEntry.hasWithout ? mEntry.withoutContext : mEntry.withContext) << mEntry.input;
-    if (mEntry.rename || isRoundTripException(mEntry.input)) return;
+    if (mEntry.rename) return;
     Entry plain = mEntry;
+    if (isRoundTripException(mEntry.input)) {
+      // Keeps the list honest: an entry that does read back belongs in the plain cases.
+      const auto again = parse(with);
+      EXPECT_FALSE(again && format(*again, plain, true) == with) << "listed, yet reads back: " << with;
+      return;
+    }
     expectRoundTrip(with, plain, true);
     expectRoundTrip(without, plain, false);
   }
@@ -294,11 +298,3 @@ TEST(RoundTrip, BenchmarkCorpusIsAFixedPointAfterOneStep) {
 
 } // namespace
 } // namespace velmor::sql
-
-#else
-
-#include <gtest/gtest.h>
-
-TEST(Golden, NeedsTheParser) { GTEST_SKIP() << "the parser is not part of this tree yet"; }
-
-#endif
