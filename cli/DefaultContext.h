@@ -3,7 +3,9 @@
 
 #include <velmor/sql/builder/SqlStringBuilder.h>
 
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace velmor::cli {
 
@@ -81,5 +83,12 @@ protected:
   /// A catalogue-driven context overrides this to rank custom operators or change the order.
   virtual int precedenceLevel(OperationCode code) const { return defaultPrecedenceLevel(code); }
 };
+
+/// The context of format and rename: with "--catalog FILE" among the leading `args` (taken out
+/// of them), that catalogue's levels and custom operator texts, the defaults where it has none;
+/// otherwise the defaults. Empty after a bad catalogue, whose message is then on standard error
+/// (the command exits with status 2). Defined with the catalogue (Catalogue.cpp).
+std::unique_ptr<DefaultStringBuildContext> takeStringBuildContext(const char* command,
+                                                                  std::vector<std::string>& args);
 
 } // namespace velmor::cli

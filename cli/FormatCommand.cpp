@@ -78,26 +78,29 @@ int formatWith(sql::SqlStringBuilder& builder, const std::string& text) {
 
 int runFormat(const std::vector<std::string>& args) {
   std::vector<std::string> rest = args;
+  const auto context = takeStringBuildContext("format", rest);
+  if (!context) return exitUsage;
   bool useContext = true;
   if (!rest.empty() && rest.front() == "--no-context") {
     useContext = false;
     rest.erase(rest.begin());
   }
   if (auto status = handleOptions("format", rest)) return *status;
-  const DefaultStringBuildContext context;
-  sql::SqlStringBuilder builder(useContext ? &context : nullptr);
+  sql::SqlStringBuilder builder(useContext ? context.get() : nullptr);
   return formatWith(builder, readInput(rest));
 }
 
-int runRename(const std::vector<std::string>& args) {
+int runRename(const std::vector<std::string>& options) {
+  std::vector<std::string> args = options;
+  const auto context = takeStringBuildContext("rename", args);
+  if (!context) return exitUsage;
   if (auto status = handleOptions("rename", args)) return *status;
   if (args.size() < 2) {
     printCommandUsage("rename", std::cerr);
     return exitUsage;
   }
   const std::vector<std::string> rest(args.begin() + 2, args.end());
-  const DefaultStringBuildContext context;
-  sql::RenameTableBuilder builder(&context, fromUtf8(args[0]), fromUtf8(args[1]));
+  sql::RenameTableBuilder builder(context.get(), fromUtf8(args[0]), fromUtf8(args[1]));
   return formatWith(builder, readInput(rest));
 }
 
