@@ -112,7 +112,19 @@ std::string shownOf(const std::wstring& text) {
   return out;
 }
 
-void registerGolden(const std::string& suite, const std::string& file, Describe describe) {
+namespace {
+
+struct Request {
+  std::string suite, file;
+  Describe describe;
+};
+
+std::vector<Request>& requests() {
+  static std::vector<Request> instance;
+  return instance;
+}
+
+void registerFile(const std::string& suite, const std::string& file, const Describe& describe) {
   const std::string path = std::string(VELMOR_TEST_DATA_DIR "/") + file;
   std::ifstream in(path, std::ios::binary);
   if (!in) {
@@ -147,6 +159,16 @@ void registerGolden(const std::string& suite, const std::string& file, Describe 
     std::ofstream out(path, std::ios::binary);
     for (const std::string& line : rewritten) out << line << '\n';
   }
+}
+
+} // namespace
+
+void registerGolden(const std::string& suite, const std::string& file, Describe describe) {
+  requests().push_back({suite, file, std::move(describe)});
+}
+
+void registerAllGolden() {
+  for (const Request& request : requests()) registerFile(request.suite, request.file, request.describe);
 }
 
 } // namespace velmor::sql::test

@@ -18,7 +18,11 @@ std::wstring wideOf(const std::string& text);
 /// Wide text with units outside printable ASCII written as "\uXXXX".
 std::string shownOf(const std::wstring& text);
 
-/// Registers one test per input of data/<folder>/<file>, named after the file and its line.
+/// Asks for one test per input of data/<folder>/<file>, named after the file and its line. Safe
+/// in a static initialiser: the tests are made (and expectations rewritten) from main, once
+/// every static object of the library exists.
 void registerGolden(const std::string& suite, const std::string& file, Describe describe);
+/// Makes the tests asked for so far; called by the shared main before the tests run.
+void registerAllGolden();
 
 } // namespace velmor::sql::test
