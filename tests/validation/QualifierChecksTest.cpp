@@ -29,7 +29,7 @@ TEST(QualifierChecks, UnknownQualifiersWithoutScopeOrList) {
   visitor.handleTableName(L"");
   visitor.setTargetErrorList(nullptr);
   EXPECT_THROW(visitor.handleTableName(L"p"), UnknownTableReference);
-  EXPECT_EQ(describe(errors), Errors{"UnknownTableReference(p)"});
+  EXPECT_EQ(describe(errors), Errors{"UnknownTableReference p"});
 }
 
 TEST(QualifierChecks, AmbiguousWithoutListThrowsByValue) {

@@ -5,6 +5,7 @@
 #include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/validation/SemanticErrors.h>
 
+#include "scope/Describe.h"
 #include "support/SampleHost.h"
 
 #include <memory>
@@ -27,36 +28,9 @@ Record parseAs(const std::string& text) {
   return ast::getNodeValue<Record>(parse(text));
 }
 
-inline std::string narrow(const std::wstring& text) { return std::string(text.begin(), text.end()); }
-
-/// "Name(fields)" for the faults the library raises, the number otherwise.
-inline std::string describe(const SqlError& error) {
-  const auto with = [](const char* name, std::initializer_list<std::string> fields) {
-    std::string out(name);
-    const char* separator = "(";
-    for (const std::string& field : fields) out.append(separator).append(field), separator = ".";
-    return out.append(")");
-  };
-  if (auto* e = dynamic_cast<const NonExistentTable*>(&error)) return with("NonExistentTable", {narrow(e->tableName)});
-  if (auto* e = dynamic_cast<const UnknownTableReference*>(&error)) return with("UnknownTableReference", {narrow(e->tableName)});
-  if (auto* e = dynamic_cast<const AmbiguousTablesReference*>(&error)) return with("AmbiguousTablesReference", {narrow(e->tableName)});
-  if (auto* e = dynamic_cast<const UnknownColumnReference*>(&error))
-    return with("UnknownColumnReference", {narrow(e->tableName), narrow(e->columnName)});
-  if (auto* e = dynamic_cast<const AmbiguousColumnReference*>(&error))
-    return with("AmbiguousColumnReference", {narrow(e->tableName), narrow(e->columnName)});
-  if (auto* e = dynamic_cast<const UnknownFunction*>(&error)) return with("UnknownFunction", {narrow(e->functionName)});
-  if (auto* e = dynamic_cast<const NoGoodOperatorOverload*>(&error))
-    return with("NoGoodOperatorOverload", {std::to_string(static_cast<int>(e->operation))});
-  if (auto* e = dynamic_cast<const OperatorNotSupported*>(&error))
-    return with("OperatorNotSupported", {std::to_string(static_cast<int>(e->operation))});
-  if (dynamic_cast<const AggregateInWhereClause*>(&error)) return "AggregateInWhereClause";
-  if (dynamic_cast<const ContextQuery*>(&error)) return "ContextQuery";
-  return "type " + std::to_string(static_cast<int>(error.type()));
-}
-
 inline std::vector<std::string> describe(const std::vector<std::shared_ptr<SqlError>>& errors) {
   std::vector<std::string> out;
-  for (const auto& error : errors) out.push_back(describe(*error));
+  for (const auto& error : errors) out.push_back(test::faultText(*error));
   return out;
 }
 

@@ -27,7 +27,7 @@ TEST(Validator, QueryWithoutFrom) {
   Validator validator(host, host, nullptr);
   EXPECT_TRUE(validator.validate(withoutFrom(parse("1").toExpression(), "x = 2")));
   EXPECT_FALSE(validator.validate(withoutFrom(parse("a").toExpression())));
-  EXPECT_EQ(describe(validator.errors()), Errors{"UnknownColumnReference(.a)"});
+  EXPECT_EQ(describe(validator.errors()), Errors{"UnknownColumnReference .a"});
 }
 
 TEST(Validator, ReuseKeepsTheListAndTheFormsAnswerDifferently) {
@@ -42,7 +42,7 @@ TEST(Validator, ReuseKeepsTheListAndTheFormsAnswerDifferently) {
   EXPECT_FALSE(validator.validate(good));
   EXPECT_TRUE(validator.validate(goodUpdate));
   EXPECT_FALSE(validator.validate(parseAs<ast::UpdateStatement>("UPDATE nosuch SET id = 1")));
-  EXPECT_EQ(describe(validator.errors()), (Errors{"UnknownTableReference(nosuch)", "UnknownTableReference(nosuch)"}));
+  EXPECT_EQ(describe(validator.errors()), (Errors{"UnknownTableReference nosuch", "UnknownTableReference nosuch"}));
 
   validator.mErrors.clear();
   EXPECT_TRUE(validator.validate(good));
@@ -55,7 +55,7 @@ TEST(Validator, ExternalScopeServesQueriesButNotUpdates) {
   EXPECT_TRUE(validator.validate(parseAs<ast::QuerySpecification>("SELECT id FROM cities WHERE roads.city_id = id")));
   EXPECT_TRUE(validator.validate(parseAs<ast::QuerySpecification>("SELECT city_id FROM cities")));
   EXPECT_FALSE(validator.validate(parseAs<ast::UpdateStatement>("UPDATE cities SET id = city_id")));
-  EXPECT_EQ(describe(validator.errors()), Errors{"UnknownColumnReference(.city_id)"});
+  EXPECT_EQ(describe(validator.errors()), Errors{"UnknownColumnReference .city_id"});
 }
 
 // A host whose function lookup fails with exceptions of its own.
@@ -84,7 +84,7 @@ TEST(Validator, ExceptionsThatAreNoSqlErrorPassThrough) {
   broken.where = ast::makeNode<ast::ExpressionNode>(ast::Operation(OperationCode::Not, {ast::ExpressionNode()}));
   EXPECT_THROW(validator.validate(broken), ast::NullNodeException);
   // What was gathered before stays.
-  EXPECT_EQ(describe(validator.errors()), Errors(3, "UnknownTableReference(nosuch)"));
+  EXPECT_EQ(describe(validator.errors()), Errors(3, "UnknownTableReference nosuch"));
 }
 
 TEST(Validator, ListedErrorsAreClonesOfTheMostDerivedClass) {
