@@ -36,31 +36,22 @@ std::string unescape(const std::string& line) {
   return out;
 }
 
-// Control characters as escapes; each line of the text becomes one expectation line.
+// Control characters as \xHH; each line of the text becomes one expectation line.
 std::vector<std::string> expectationLines(const std::string& text) {
   std::vector<std::string> lines(1);
   for (char c : text) {
     const auto byte = static_cast<unsigned char>(c);
-    if (c == '\n') {
-      lines.emplace_back();
-    } else if (c == '\t') {
-      lines.back() += "\\t";
-    } else if (c == '\r') {
-      lines.back() += "\\r";
-    } else if (byte < 0x20 || byte == 0x7F) {
-      char escape[8];
-      std::snprintf(escape, sizeof escape, "\\x%02X", byte);
-      lines.back() += escape;
-    } else {
-      lines.back() += c;
-    }
+    char escape[8];
+    std::snprintf(escape, sizeof escape, byte < 0x20 || byte == 0x7F ? "\\x%02X" : "%c", byte);
+    if (c == '\n') lines.emplace_back();
+    else lines.back() += escape;
   }
   return lines;
 }
 
 std::string joined(const std::vector<std::string>& lines) {
   std::string out;
-  for (const std::string& line : lines) out += (out.empty() ? "" : "\n") + line;
+  for (std::size_t i = 0; i < lines.size(); ++i) out.append(i ? "\n" : "").append(lines[i]);
   return out;
 }
 

@@ -1,6 +1,7 @@
 // Golden files: an input line, then its expectation on one or more lines starting with "=> ".
 // Lines starting with '#' and blank lines are kept as they are. Inputs may hold \n \t \r \0 \xHH
-// and \\ escapes (\e alone stands for the empty input); control characters in actual texts are written back the same way.
+// and \\ escapes (\e alone stands for the empty input); control characters in actual texts are
+// written back as \xHH.
 // VELMOR_UPDATE_GOLDEN=1 rewrites every expectation from what the code gives now.
 #pragma once
 
