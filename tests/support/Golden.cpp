@@ -69,7 +69,11 @@ public:
   GoldenCase(Describe describe, std::string input, std::string expected)
       : mDescribe(std::move(describe)), mInput(std::move(input)), mExpected(std::move(expected)) {}
   void TestBody() override {
-    EXPECT_EQ(joined(expectationLines(describeSafely(mDescribe, mInput))), mExpected) << "input: " << testing::PrintToString(mInput);
+    // The failure names the case's file and line (the ones it was registered with).
+    const testing::TestInfo& info = *testing::UnitTest::GetInstance()->current_test_info();
+    const testing::ScopedTrace where(info.file(), info.line(), "golden case");
+    EXPECT_EQ(joined(expectationLines(describeSafely(mDescribe, mInput))), mExpected)
+        << "input: " << testing::PrintToString(mInput);
   }
 
 private:
