@@ -2,7 +2,13 @@
 #pragma once
 
 #include <velmor/sql/ast/AST.h>
+#include <velmor/sql/parser/SqlParser.h>
 
+#include "parser/SqlParserPrivate.h"
+#include "sqllexer/Location.h"
+#include "sqllexer/SqlLexer.h"
+
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,6 +17,28 @@ namespace velmor::sql::grammar {
 
 using ast::makeEmptyNode;
 using ast::makeNode;
+
+/// The location of a rule's symbol: from the begin of its first part to the end of its last
+/// (an empty rule sits at the end of the symbol before it), as deep as its deepest part.
+/// `parts[1]` to `parts[count]` are the rule's parts, `parts[0]` the symbol below them.
+template <class Parts>
+void span(Location& current, const Parts& parts, int count) {
+  if (count == 0) {
+    current.begin = current.end = parts[0].location.end;
+    current.depth = 0;
+    return;
+  }
+  current.begin = parts[1].location.begin;
+  current.end = parts[count].location.end;
+  int depth = 0;
+  for (int i = 1; i <= count; ++i) depth = std::max(depth, parts[i].location.depth);
+  current.depth = depth;
+}
+
+/// The rule made a node over its parts: one level deeper, within the nesting limit.
+inline void nest(Location& location, const SqlLexer& lexer) {
+  if (++location.depth > SqlParser::maxNestingDepth) nestingTooDeep(lexer);
+}
 
 template <class T>
 std::vector<std::decay_t<T>> listOf(T&& first) {

@@ -5,6 +5,7 @@
 #include "sqllexer/SqlLexer.h"
 
 #include <array>
+#include <string>
 #include <utility>
 
 namespace velmor::sql {
@@ -15,8 +16,19 @@ int yylex(Parser::value_type* value, Location* location, SqlLexer& lexer) {
   thread_local std::wstring scratch;
   const int id = lexer.lex(&scratch, location);
   // Only the five text tokens have a value slot; giving another token one would never be freed.
-  if (carriesText(static_cast<std::uint32_t>(id))) value->emplace<std::wstring>(scratch);
+  if (carriesText(static_cast<std::uint32_t>(id))) {
+    value->emplace<std::wstring>(scratch);
+  } else if (lexer.openParentheses() > SqlParser::maxNestingDepth) {
+    // Parentheses that leave no node behind still take a place on the automaton's stack each.
+    nestingTooDeep(lexer);
+  }
   return id;
+}
+
+void nestingTooDeep(const SqlLexer& lexer) {
+  const Position at(lexer.token().line, lexer.token().column);
+  throw Parser::syntax_error(Location(at, at), "syntax error, nesting too deep (limit " +
+                                                   std::to_string(SqlParser::maxNestingDepth) + ")");
 }
 
 // The automaton's own error hook is only a stand-in: SqlParserPrivate decides where errors go.

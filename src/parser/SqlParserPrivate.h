@@ -16,6 +16,10 @@ namespace velmor::sql {
 /// symbol order ("error" and the error entries of nonassociative operators left out).
 std::string syntaxErrorMessage(const Parser::context& context);
 
+/// Throws the automaton's syntax_error "syntax error, nesting too deep (limit N)" located at
+/// the token that `lexer` returned last.
+[[noreturn]] void nestingTooDeep(const SqlLexer& lexer);
+
 class SqlParserPrivate final : public Parser {
 public:
   using ErrorList = std::vector<std::shared_ptr<SqlError>>;

@@ -23,6 +23,10 @@ int SqlLexer::lex(std::wstring* semantic, Location* location) {
 
   if (carriesText(mToken.id)) {
     assignWide(mToken.text, semantic ? *semantic : mScratch);
+  } else if (mToken.id == '(') {
+    ++mOpenParentheses;
+  } else if (mToken.id == ')' && mOpenParentheses > 0) {
+    --mOpenParentheses;
   }
 
   if (mTrace) {
@@ -33,6 +37,7 @@ int SqlLexer::lex(std::wstring* semantic, Location* location) {
   if (location) {
     location->begin = Position(mToken.line, mToken.column);
     location->end = Position(mToken.line, mToken.column + static_cast<int>(mToken.text.size()) + 1);
+    location->depth = 0;
   }
   return static_cast<int>(mToken.id);
 }

@@ -38,11 +38,15 @@ public:
   /// The last token that lex() returned; its text is valid until the next call of lex().
   const Token& token() const { return mToken; }
 
+  /// '(' tokens returned so far that no ')' has closed yet.
+  int openParentheses() const { return mOpenParentheses; }
+
 private:
   ErrorList* mErrors;
   Token mToken;
   std::wstring mScratch;   // the wide text when the caller gives no semantic slot
   bool mTrace = false;
+  int mOpenParentheses = 0;
 };
 
 } // namespace velmor::sql

@@ -28,6 +28,14 @@ public:
   SqlParser(const SqlParser&) = delete;
   SqlParser& operator=(const SqlParser&) = delete;
 
+  /// The nesting limit. A text fails, with one UnexpectedLexeme "syntax error, nesting too
+  /// deep (limit 10000)" at the token read last when the limit was crossed, if its tree would
+  /// be more than this many nodes deep (a single leaf is 1, `a + b` is 2, `(a)` is 1 as well)
+  /// or if more than this many '(' are open at once. Flat lists (select lists, IN lists, VALUES
+  /// rows, function arguments) add no depth, however long. The later stages and the release of
+  /// a tree walk it recursively; within this limit they fit a thread's default 8 MiB stack.
+  static constexpr int maxNestingDepth = 10000;
+
   /// Parses the whole `text` as one statement or one expression. True when `result` holds a
   /// tree afterwards; otherwise `errors` holds one UnexpectedLexeme and `result` is a node of
   /// EmptyNode. Never throws for a bad text; std::bad_alloc and the scanner's lexeme-size
