@@ -22,16 +22,18 @@ using ast::makeNode;
 /// (an empty rule sits at the end of the symbol before it), as deep as its deepest part.
 /// `parts[1]` to `parts[count]` are the rule's parts, `parts[0]` the symbol below them.
 template <class Parts>
-void span(Location& current, const Parts& parts, int count) {
+[[gnu::always_inline]] inline void span(Location& current, const Parts& parts, int count) {
   if (count == 0) {
     current.begin = current.end = parts[0].location.end;
     current.depth = 0;
     return;
   }
-  current.begin = parts[1].location.begin;
-  current.end = parts[count].location.end;
-  int depth = 0;
-  for (int i = 1; i <= count; ++i) depth = std::max(depth, parts[i].location.depth);
+  // The parts lie side by side in the automaton's stack, the first lowest.
+  const auto* first = &parts[1];
+  current.begin = first[0].location.begin;
+  current.end = first[count - 1].location.end;
+  int depth = first[0].location.depth;
+  for (int i = 1; i < count; ++i) depth = std::max(depth, first[i].location.depth);
   current.depth = depth;
 }
 
