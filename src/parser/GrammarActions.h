@@ -38,8 +38,8 @@ template <class Parts>
 }
 
 /// The rule made a node over its parts: one level deeper, within the nesting limit.
-inline void nest(Location& location, const SqlLexer& lexer) {
-  if (++location.depth > SqlParser::maxNestingDepth) nestingTooDeep(lexer);
+inline void nest(Location& location, const ParseSession& session) {
+  if (++location.depth > SqlParser::maxNestingDepth) nestingTooDeep(*session.lexer);
 }
 
 template <class T>

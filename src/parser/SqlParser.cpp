@@ -10,7 +10,13 @@
 
 namespace velmor::sql {
 
-int yylex(Parser::value_type* value, Location* location, SqlLexer& lexer) {
+namespace {
+// Texts up to this size keep the automaton and its stack for the next parse.
+constexpr std::size_t keptStackTextSize = 16384;
+} // namespace
+
+int yylex(Parser::value_type* value, Location* location, ParseSession& session) {
+  SqlLexer& lexer = *session.lexer;
   // The scanner widens into a buffer that keeps its capacity, so that each text is allocated
   // once, at its final size, when it is copied into the token's value.
   thread_local std::wstring scratch;
@@ -61,6 +67,19 @@ void SqlParserPrivate::error(const location_type& location, const std::string& m
                                                         static_cast<std::size_t>(location.begin.column), message));
 }
 
+int SqlParserPrivate::run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors) {
+  mSession = ParseSession{&lexer, &result, &context};
+  mErrors = errors;
+  struct Reset {
+    SqlParserPrivate& automaton;
+    ~Reset() {
+      automaton.mSession = {};
+      automaton.mErrors = nullptr;
+    }
+  } reset{*this};
+  return parse();
+}
+
 ParseContext::~ParseContext() = default;
 
 SqlParser::SqlParser(const ParseContext& context_) : context(&context_) {}
@@ -78,10 +97,12 @@ bool SqlParser::parse(const std::string& text) {
   {
     SqlLexer lexer(text, &errors);
     lexer.setTrace(debugTrace);
-    SqlParserPrivate automaton(lexer, tree, *context, &errors);
-    automaton.parse();
+    if (!mAutomaton) mAutomaton = std::make_unique<SqlParserPrivate>();
+    mAutomaton->run(lexer, tree, *context, &errors);
     if (errors.empty()) result = std::move(tree);
   }
+  // A long text may have grown the automaton's stack far beyond what statements need.
+  if (text.size() > keptStackTextSize) mAutomaton.reset();
   return !result.isNull();
 }
 

@@ -11,6 +11,8 @@
 
 namespace velmor::sql {
 
+class SqlParserPrivate;
+
 /// The host's side of a parse. The grammar asks it nothing yet; it is kept so that a host can
 /// hand its catalogue to later stages through the same object.
 class VELMOR_SQL_API ParseContext {
@@ -52,6 +54,10 @@ public:
   std::vector<std::shared_ptr<SqlError>> errors;
   /// Writes each token to std::cerr during parse. Off after construction.
   bool debugTrace = false;
+
+private:
+  // The automaton, made by the first parse and kept, with its stack, for the next ones.
+  std::unique_ptr<SqlParserPrivate> mAutomaton;
 };
 
 } // namespace velmor::sql
