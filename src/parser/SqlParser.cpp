@@ -6,6 +6,7 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace velmor::sql {
@@ -17,13 +18,14 @@ constexpr std::size_t keptStackTextSize = 16384;
 
 int yylex(Parser::value_type* value, Location* location, ParseSession& session) {
   SqlLexer& lexer = *session.lexer;
-  // The scanner widens into a buffer that keeps its capacity, so that each text is allocated
-  // once, at its final size, when it is copied into the token's value.
-  thread_local std::wstring scratch;
-  const int id = lexer.lex(&scratch, location);
+  const int id = lexer.lexId(location);
   // Only the five text tokens have a value slot; giving another token one would never be freed.
   if (carriesText(static_cast<std::uint32_t>(id))) {
-    value->emplace<std::wstring>(scratch);
+    const std::string_view bytes = lexer.token().text;
+    std::wstring& text = value->emplace<std::wstring>();
+    Lexer::assignWide(bytes, text);
+    // Widening sizes the text by its bytes; non-ASCII text needs fewer units than that.
+    if (text.size() != bytes.size()) text.shrink_to_fit();
   } else if (lexer.openParentheses() > SqlParser::maxNestingDepth) {
     // Parentheses that leave no node behind still take a place on the automaton's stack each.
     nestingTooDeep(lexer);

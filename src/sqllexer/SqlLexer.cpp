@@ -13,7 +13,12 @@ SqlLexer::~SqlLexer() = default;
 
 int SqlLexer::lex(std::wstring* semantic, Location* location) {
   VELMOR_SQL_ASSERT(semantic != nullptr, "SqlLexer");
+  const int id = lexId(location);
+  if (carriesText(mToken.id)) assignWide(mToken.text, semantic ? *semantic : mScratch);
+  return id;
+}
 
+int SqlLexer::lexId(Location* location) {
   if (!next(mToken)) {
     mToken.text = {};
     mToken.id = T_TERMINATION;
@@ -21,9 +26,7 @@ int SqlLexer::lex(std::wstring* semantic, Location* location) {
     mToken.column = column();
   }
 
-  if (carriesText(mToken.id)) {
-    assignWide(mToken.text, semantic ? *semantic : mScratch);
-  } else if (mToken.id == '(') {
+  if (mToken.id == '(') {
     ++mOpenParentheses;
   } else if (mToken.id == ')' && mOpenParentheses > 0) {
     --mOpenParentheses;

@@ -27,6 +27,10 @@ public:
   /// plus the byte length of the token's text plus one. Throws as Lexer::next does.
   int lex(std::wstring* semantic, Location* location);
 
+  /// lex() without the wide text: the text of the token is token().text, to be widened by
+  /// the caller where it wants it.
+  int lexId(Location* location);
+
   /// Adds an UnknownLexeme to the error list. The scanner drops unmatched input silently and
   /// does not call it; it is here for a stricter scanner.
   void unknownLexeme(const std::wstring& lexeme) override;
