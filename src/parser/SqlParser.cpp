@@ -100,11 +100,18 @@ bool SqlParser::parse(const std::string& text) {
     SqlLexer lexer(text, &errors);
     lexer.setTrace(debugTrace);
     if (!mAutomaton) mAutomaton = std::make_unique<SqlParserPrivate>();
+    // A long text may grow the automaton's stack far beyond what statements need: drop it
+    // afterwards, also when an exception passes.
+    struct DropLongStack {
+      std::unique_ptr<SqlParserPrivate>& automaton;
+      bool longText;
+      ~DropLongStack() {
+        if (longText) automaton.reset();
+      }
+    } dropLongStack{mAutomaton, text.size() > keptStackTextSize};
     mAutomaton->run(lexer, tree, *context, &errors);
     if (errors.empty()) result = std::move(tree);
   }
-  // A long text may have grown the automaton's stack far beyond what statements need.
-  if (text.size() > keptStackTextSize) mAutomaton.reset();
   return !result.isNull();
 }
 
