@@ -425,13 +425,13 @@ private:
     for (std::size_t i = 0; i < object[key].size(); ++i) {
       const std::string where = element(at, i);
       const std::string text = expectString(object[key][i], where);
-      ParamSpec spec;
+      ParamSpec parsed;
       if (m_sets.count(lowered(trimmed(text)))) {
-        spec.set = expansion.bind(lowered(trimmed(text)));
+        parsed.set = expansion.bind(lowered(trimmed(text)));
       } else {
-        spec.plain = plainFromText(text, where);
+        parsed.plain = plainFromText(text, where);
       }
-      result.push_back(spec);
+      result.push_back(parsed);
     }
     return result;
   }
@@ -439,16 +439,16 @@ private:
   ResultSpec readResult(const json& object, const std::string& path, Expansion& expansion) const {
     const std::string at = member(path, "result");
     const json& value = required(object, path, "result");
-    ResultSpec spec;
+    ResultSpec parsed;
     if (value.is_string()) {
       const std::string text = value.get<std::string>();
       if (m_sets.count(lowered(trimmed(text)))) {
-        spec.kind = ResultSpec::Kind::FromSet;
-        spec.set = expansion.bind(lowered(trimmed(text)));
+        parsed.kind = ResultSpec::Kind::FromSet;
+        parsed.set = expansion.bind(lowered(trimmed(text)));
       } else {
-        spec.fixed = typeFromText(text, at);
+        parsed.fixed = typeFromText(text, at);
       }
-      return spec;
+      return parsed;
     }
     if (!value.is_object() || value.size() != 1)
       fail(at, "expected a type, or an object with one of: argument, decimalSum, decimalProduct, lengthSum, widest");
@@ -461,44 +461,44 @@ private:
       return static_cast<std::size_t>(n);
     };
     if (rule == "argument") {
-      spec.kind = ResultSpec::Kind::Argument;
-      spec.first = index(argument, where);
+      parsed.kind = ResultSpec::Kind::Argument;
+      parsed.first = index(argument, where);
     } else if (rule == "decimalSum" || rule == "decimalProduct") {
-      spec.kind = rule == "decimalSum" ? ResultSpec::Kind::DecimalSum : ResultSpec::Kind::DecimalProduct;
+      parsed.kind = rule == "decimalSum" ? ResultSpec::Kind::DecimalSum : ResultSpec::Kind::DecimalProduct;
       expectArray(argument, where);
       if (argument.size() != 2) fail(where, "expected the positions of two arguments");
-      spec.first = index(argument[0], element(where, 0));
-      spec.second = index(argument[1], element(where, 1));
+      parsed.first = index(argument[0], element(where, 0));
+      parsed.second = index(argument[1], element(where, 1));
     } else if (rule == "lengthSum") {
-      spec.kind = ResultSpec::Kind::LengthSum;
-      spec.plain = plainFromText(expectString(argument, where), where);
+      parsed.kind = ResultSpec::Kind::LengthSum;
+      parsed.plain = plainFromText(expectString(argument, where), where);
     } else if (rule == "widest") {
-      spec.kind = ResultSpec::Kind::Widest;
+      parsed.kind = ResultSpec::Kind::Widest;
       if (!expectBool(argument, where)) fail(where, "only true is meaningful");
     } else {
       fail(where, "unknown result rule (expected argument, decimalSum, decimalProduct, lengthSum or widest)");
     }
-    return spec;
+    return parsed;
   }
 
   // The full-type function of one expanded overload.
-  sql::FullTypeFunction fullType(const ResultSpec& spec, const std::vector<PlainType>& members) const {
+  sql::FullTypeFunction fullType(const ResultSpec& parsed, const std::vector<PlainType>& members) const {
     using Types = std::vector<std::shared_ptr<sql::Type>>;
-    switch (spec.kind) {
-    case ResultSpec::Kind::Fixed: return [type = spec.fixed](const Types&) { return type; };
+    switch (parsed.kind) {
+    case ResultSpec::Kind::Fixed: return [type = parsed.fixed](const Types&) { return type; };
     case ResultSpec::Kind::FromSet: {
-      auto type = std::make_shared<sql::Type>(members[static_cast<std::size_t>(spec.set)]);
+      auto type = std::make_shared<sql::Type>(members[static_cast<std::size_t>(parsed.set)]);
       return [type = std::shared_ptr<sql::Type>(std::move(type))](const Types&) { return type; };
     }
     case ResultSpec::Kind::Argument:
-      return [n = spec.first](const Types& types) { return n < types.size() ? types[n] : nullptr; };
+      return [n = parsed.first](const Types& types) { return n < types.size() ? types[n] : nullptr; };
     case ResultSpec::Kind::DecimalSum:
-      return [a = spec.first, b = spec.second](const Types& types) -> std::shared_ptr<sql::Type> {
+      return [a = parsed.first, b = parsed.second](const Types& types) -> std::shared_ptr<sql::Type> {
         const auto at = [&](std::size_t i) { return i < types.size() ? digitsOf(types[i]) : sql::PrecisionScaleType(); };
         return std::make_shared<sql::PrecisionScaleType>(at(a) + at(b));
       };
     case ResultSpec::Kind::DecimalProduct:
-      return [a = spec.first, b = spec.second](const Types& types) -> std::shared_ptr<sql::Type> {
+      return [a = parsed.first, b = parsed.second](const Types& types) -> std::shared_ptr<sql::Type> {
         const auto at = [&](std::size_t i) { return i < types.size() ? digitsOf(types[i]) : sql::PrecisionScaleType(); };
         const auto x = at(a);
         const auto y = at(b);
@@ -506,7 +506,7 @@ private:
                                                          x.scale() + y.scale());
       };
     case ResultSpec::Kind::LengthSum:
-      return [plain = spec.plain](const Types& types) -> std::shared_ptr<sql::Type> {
+      return [plain = parsed.plain](const Types& types) -> std::shared_ptr<sql::Type> {
         int length = 0;
         for (const auto& type : types) length += lengthOf(type);
         return std::make_shared<sql::LengthType>(plain, length);
@@ -533,16 +533,16 @@ private:
     return {};
   }
 
-  PlainType declaredResult(const ResultSpec& spec, const std::vector<PlainType>& members,
+  PlainType declaredResult(const ResultSpec& parsed, const std::vector<PlainType>& members,
                            const std::vector<PlainType>& params) const {
-    switch (spec.kind) {
-    case ResultSpec::Kind::Fixed: return spec.fixed->plainType();
-    case ResultSpec::Kind::FromSet: return members[static_cast<std::size_t>(spec.set)];
+    switch (parsed.kind) {
+    case ResultSpec::Kind::Fixed: return parsed.fixed->plainType();
+    case ResultSpec::Kind::FromSet: return members[static_cast<std::size_t>(parsed.set)];
     case ResultSpec::Kind::Argument:
-      return spec.first < params.size() ? params[spec.first] : (params.empty() ? PlainType::Fault : params.back());
+      return parsed.first < params.size() ? params[parsed.first] : (params.empty() ? PlainType::Fault : params.back());
     case ResultSpec::Kind::DecimalSum:
     case ResultSpec::Kind::DecimalProduct: return PlainType::Decimal;
-    case ResultSpec::Kind::LengthSum: return spec.plain;
+    case ResultSpec::Kind::LengthSum: return parsed.plain;
     case ResultSpec::Kind::Widest: return params.empty() ? PlainType::Contextual : params.front();
     }
     return PlainType::Fault;
@@ -551,7 +551,7 @@ private:
   static std::vector<PlainType> substitute(const std::vector<ParamSpec>& specs, const std::vector<PlainType>& members) {
     std::vector<PlainType> result;
     result.reserve(specs.size());
-    for (const ParamSpec& spec : specs) result.push_back(spec.set < 0 ? spec.plain : members[static_cast<std::size_t>(spec.set)]);
+    for (const ParamSpec& parsed : specs) result.push_back(parsed.set < 0 ? parsed.plain : members[static_cast<std::size_t>(parsed.set)]);
     return result;
   }
 

@@ -118,15 +118,15 @@ std::shared_ptr<ColumnInfoScope> buildScopeForTableReference(const GlobalTypeCon
 }
 
 std::shared_ptr<ColumnInfoScope> buildScope(const GlobalTypeContext& global, const TableInfoContext& tables,
-                                            const ast::QuerySpecification& spec,
+                                            const ast::QuerySpecification& query,
                                             const std::shared_ptr<ColumnInfoScope>& external) {
-  if (spec.from.empty()) return {};
-  if (spec.from.size() == 1) {
-    return addExternalScope(buildScopeForTableReference(global, tables, spec.from[0], external), external);
+  if (query.from.empty()) return {};
+  if (query.from.size() == 1) {
+    return addExternalScope(buildScopeForTableReference(global, tables, query.from[0], external), external);
   }
   std::vector<std::shared_ptr<ColumnInfoScope>> scopes;
-  scopes.reserve(spec.from.size());
-  for (const ast::QueryExpressionNode& reference : spec.from) {
+  scopes.reserve(query.from.size());
+  for (const ast::QueryExpressionNode& reference : query.from) {
     scopes.push_back(buildScopeForTableReference(global, tables, reference, external));
   }
   return addExternalScope(std::make_shared<JoinScope>(std::move(scopes)), external);
@@ -152,9 +152,9 @@ std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const
 }
 
 std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const TableInfoContext& tables,
-                                          const ast::QuerySpecification& spec,
+                                          const ast::QuerySpecification& query,
                                           const std::shared_ptr<ColumnInfoScope>& external) {
-  return buildTableInfo(global, buildScope(global, tables, spec, external), spec.selectList);
+  return buildTableInfo(global, buildScope(global, tables, query, external), query.selectList);
 }
 
 } // namespace velmor::sql

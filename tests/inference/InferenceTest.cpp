@@ -54,7 +54,7 @@ InferenceHost& host() {
 // cities with roads as r: unqualified names of cities or of roads alone, r.x for the rest.
 const std::shared_ptr<ColumnInfoScope>& scope() {
   static const auto instance = buildScope(host(), host(),
-                                          spec({}, {tp(L"cities"), tp(L"roads", L"r")}), nullptr);
+                                          selectFrom({}, {tp(L"cities"), tp(L"roads", L"r")}), nullptr);
   return instance;
 }
 

@@ -80,7 +80,7 @@ const bool registered = (registerGolden("Names", "scope/names.golden", resolve),
 
 TEST(ScopeTest, PlainTableBehindADerivedAlias) {
   // Only a host can put a plain table behind a derived table's alias; the table keeps its name.
-  const auto plain = buildScope(host(), host(), spec({}, {derived(tp(L"cities"), L"d")}), nullptr);
+  const auto plain = buildScope(host(), host(), selectFrom({}, {derived(tp(L"cities"), L"d")}), nullptr);
   EXPECT_EQ(origin(plain->columnInfo(L"cities", L"id")), "cities.id");
 }
 
@@ -88,7 +88,7 @@ TEST(ScopeTest, KeepsColumnCaseAndRepeatsInsideOneList) {
   sample::SampleHost local;
   local.addTable(L"Mixed", GenericTableInfo::create({ColumnInfo(L"Name", nullptr, L"Mixed"),
                                                       ColumnInfo(L"Name", nullptr, L"Mixed")}));
-  const auto scope = buildScope(local, local, spec({}, {tp(L"MIXED"), tp(L"mixed")}), nullptr);
+  const auto scope = buildScope(local, local, selectFrom({}, {tp(L"MIXED"), tp(L"mixed")}), nullptr);
   EXPECT_EQ(pairsText(scope->columnsForAsterisk(L"")), "mixed.Name mixed.Name");
 }
 
@@ -159,9 +159,9 @@ TEST(ScopeTest, TableNamesCompareAsFoldedNames) {
 TEST(ScopeBuilderTest, QueriesWithoutFrom) {
   // Only a host builds these: the grammar always asks for a FROM.
   const std::pair<ast::QuerySpecification, const char*> cases[] = {
-      {spec({item(num(L"1")), item(str(L"'a'"))}), "column_1 . Decimal(1,0)\ncolumn_2 . Char(1)"},
-      {spec({item(col(L"id"))}), "UnknownColumnReference .id"},
-      {spec({star()}), ""},
+      {selectFrom({item(num(L"1")), item(str(L"'a'"))}), "column_1 . Decimal(1,0)\ncolumn_2 . Char(1)"},
+      {selectFrom({item(col(L"id"))}), "UnknownColumnReference .id"},
+      {selectFrom({star()}), ""},
   };
   for (const auto& [query, expected] : cases) {
     EXPECT_EQ(outcome([&] { return tableText(*buildTableInfo(host(), host(), query, nullptr)); }), expected);
@@ -169,7 +169,7 @@ TEST(ScopeBuilderTest, QueriesWithoutFrom) {
 }
 
 TEST(ScopeBuilderTest, ScopesOfTableReferences) {
-  EXPECT_EQ(buildScope(host(), host(), spec({item(num(L"1"))}), buildScope(host(), host(), spec({}, {tp(L"cities")}), nullptr)),
+  EXPECT_EQ(buildScope(host(), host(), selectFrom({item(num(L"1"))}), buildScope(host(), host(), selectFrom({}, {tp(L"cities")}), nullptr)),
             nullptr);
   // Kinds that are no table reference give no scope, and no report.
   EXPECT_EQ(buildScopeForTableReference(host(), host(), ast::makeNode<Q>(ast::ExplicitTable{L"cities"}), nullptr), nullptr);

@@ -41,14 +41,14 @@ inline ast::Node star(std::wstring table = L"") { return ast::makeNode(ast::Qual
 inline Q tp(std::wstring table, std::wstring alias = L"") {
   return ast::makeNode<Q>(ast::TablePrimary{std::move(table), std::move(alias)});
 }
-inline ast::QuerySpecification spec(std::vector<ast::Node> items, std::vector<Q> from = {}) {
+inline ast::QuerySpecification selectFrom(std::vector<ast::Node> items, std::vector<Q> from = {}) {
   ast::QuerySpecification query;
   query.selectList = std::move(items);
   query.from = std::move(from);
   return query;
 }
 inline Q query(std::vector<ast::Node> items, std::vector<Q> from = {}) {
-  return ast::makeNode<Q>(spec(std::move(items), std::move(from)));
+  return ast::makeNode<Q>(selectFrom(std::move(items), std::move(from)));
 }
 inline Q derived(Q query, std::wstring alias) {
   return ast::makeNode<Q>(ast::DerivedTable{std::move(query), std::move(alias)});

@@ -32,7 +32,7 @@ buildScopeForTableReference(const GlobalTypeContext& global, const TableInfoCont
 /// Throws as buildScopeForTableReference, for the references in order.
 VELMOR_SQL_API std::shared_ptr<ColumnInfoScope> buildScope(const GlobalTypeContext& global,
                                                            const TableInfoContext& tables,
-                                                           const ast::QuerySpecification& spec,
+                                                           const ast::QuerySpecification& query,
                                                            const std::shared_ptr<ColumnInfoScope>& external);
 
 /// The result table of a select list in `scope` (a GenericTableInfo, never empty as a pointer).
@@ -46,10 +46,10 @@ VELMOR_SQL_API std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext
                                                          const std::shared_ptr<ColumnInfoScope>& scope,
                                                          const std::vector<ast::Node>& selectList);
 
-/// buildTableInfo(global, buildScope(global, tables, spec, external), spec.selectList).
+/// buildTableInfo(global, buildScope(global, tables, query, external), query.selectList).
 VELMOR_SQL_API std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global,
                                                          const TableInfoContext& tables,
-                                                         const ast::QuerySpecification& spec,
+                                                         const ast::QuerySpecification& query,
                                                          const std::shared_ptr<ColumnInfoScope>& external);
 
 } // namespace velmor::sql
