@@ -39,7 +39,7 @@ function(velmor_bison input output header report)
   file(RELATIVE_PATH _rel ${CMAKE_SOURCE_DIR} ${_in})
   add_custom_command(
     OUTPUT ${output} ${header} ${report}
-    COMMAND ${BISON_EXECUTABLE} -Wall --no-lines
+    COMMAND ${BISON_EXECUTABLE} -Wall -Wno-precedence --no-lines
             --defines=${header} --report=all --report-file=${report} -o ${output} ${_rel}
     WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
     DEPENDS ${_in}

@@ -1,0 +1,117 @@
+// Validation throughput over the SELECT statements of the common corpus, beside the parse
+// throughput of the same statements, measured in the same run.
+#include <velmor/sql/parser/SqlParser.h>
+#include <velmor/sql/validation/Validator.h>
+
+#include "../tests/support/CorpusCatalogue.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace velmor::sql;
+
+// The corpus path is fixed at build time; VELMOR_BENCH_CORPUS in the environment overrides it
+// (a worktree that is not beside the shared folder).
+std::vector<std::string> loadSelects() {
+  const char* path = std::getenv("VELMOR_BENCH_CORPUS");
+  std::ifstream in(path != nullptr ? path : VELMOR_BENCH_CORPUS);
+  if (!in) {
+    std::cerr << "cannot read the corpus; set VELMOR_BENCH_CORPUS\n";
+    std::exit(2);
+  }
+  std::vector<std::string> selects;
+  for (std::string line; std::getline(in, line);) {
+    if (line.rfind("SELECT", 0) == 0) selects.push_back(std::move(line));
+  }
+  return selects;
+}
+
+const std::vector<std::string>& selects() {
+  static const std::vector<std::string> lines = loadSelects();
+  return lines;
+}
+
+// The queries a host validates: a QuerySpecification itself, or each one of a set operation.
+class QueryCollector : public ast::NodeVisitor {
+public:
+  void visit(const ast::QuerySpecification& record) override { mQueries.push_back(&record); }
+  void visit(const ast::QueryOperation& record) override {
+    record.left.accept(*this);
+    record.right.accept(*this);
+  }
+  void faultAction() override {}
+
+  std::vector<const ast::QuerySpecification*> mQueries;
+};
+
+struct ParsedCorpus {
+  std::vector<ast::Node> trees;  // keeps the queries alive
+  std::vector<const ast::QuerySpecification*> queries;
+  std::size_t statements = 0;
+};
+
+const ParsedCorpus& parsedCorpus() {
+  static const ParsedCorpus corpus = [] {
+    ParsedCorpus result;
+    const ParseContext context;
+    SqlParser parser(context);
+    QueryCollector collector;
+    for (const auto& text : selects()) {
+      if (!parser.parse(text)) continue;
+      result.trees.push_back(parser.result);
+      parser.result.accept(collector);
+      ++result.statements;
+    }
+    result.queries = std::move(collector.mQueries);
+    return result;
+  }();
+  return corpus;
+}
+
+void BM_ParseSelects(benchmark::State& state) {
+  const auto& lines = selects();
+  const ParseContext context;
+  SqlParser parser(context);
+  std::size_t bytes = 0;
+  for (const auto& line : lines) bytes += line.size();
+  for (auto _ : state) {
+    for (const auto& line : lines) {
+      benchmark::DoNotOptimize(parser.parse(line));
+    }
+  }
+  state.counters["statements/s"] =
+      benchmark::Counter(static_cast<double>(lines.size()), benchmark::Counter::kIsIterationInvariantRate);
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * bytes));
+}
+
+void BM_ValidateSelects(benchmark::State& state) {
+  const auto& corpus = parsedCorpus();
+  const corpus::CorpusCatalogue catalogue;
+  std::size_t good = 0;
+  for (auto _ : state) {
+    good = 0;
+    for (const auto* query : corpus.queries) {
+      Validator validator(catalogue, catalogue, nullptr);
+      good += validator.validate(*query) ? 1 : 0;
+    }
+  }
+  state.counters["statements/s"] = benchmark::Counter(static_cast<double>(corpus.statements),
+                                                      benchmark::Counter::kIsIterationInvariantRate);
+  state.counters["queries/s"] = benchmark::Counter(static_cast<double>(corpus.queries.size()),
+                                                   benchmark::Counter::kIsIterationInvariantRate);
+  state.counters["valid"] = static_cast<double>(good) / static_cast<double>(corpus.queries.size());
+}
+
+BENCHMARK(BM_ParseSelects)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ValidateSelects)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,378 @@
+// Type inference of expressions, rows and queries, and overload resolution for calls.
+#include <velmor/sql/inference/TypeInferer.h>
+
+#include <velmor/sql/Assert.h>
+#include <velmor/sql/inference/StringTypeInferer.h>
+#include <velmor/sql/validation/SemanticErrors.h>
+
+#include <cstddef>
+#include <utility>
+
+namespace velmor::sql {
+
+using type::PlainType;
+
+TypeInferer::TypeInferer(const GlobalTypeContext& globalContext, const ScopeTypeContext& scopeContext)
+    : mGlobalContext(globalContext), mScopeContext(scopeContext) {}
+
+// ---------------------------------------------------------------------------------------------
+// Visits.
+
+void TypeInferer::visit(const ast::ColumnReference& record) {
+  mResult = mScopeContext.columnType(record.table, record.column);
+  if (!mResult) throw UnknownColumnReference(record.table, record.column);
+}
+
+void TypeInferer::visit(const ast::ContextuallyTypedValueSpecification&) {
+  mResult = std::make_shared<Type>(PlainType::Contextual);
+}
+
+void TypeInferer::visit(const ast::DerivedColumn& record) { doVisit(record.expression); }
+
+void TypeInferer::visit(const ast::Function& record) { mResult = functionType(record); }
+
+void TypeInferer::visit(const ast::Number& record) {
+  // Every number literal is a Decimal, whatever its kind; the text is only measured, so the
+  // letters and sign of an exponent count as digits.
+  const std::wstring& text = record.text;
+  const std::size_t point = text.find(L'.');
+  const bool hasPoint = point != std::wstring::npos;
+  const int precision = static_cast<int>(text.size()) - (hasPoint ? 1 : 0);
+  const int scale = hasPoint ? precision - static_cast<int>(point) : 0;
+  mResult = std::make_shared<PrecisionScaleType>(PlainType::Decimal, precision, scale);
+}
+
+void TypeInferer::visit(const ast::Operation& record) { mResult = operatorType(record); }
+
+void TypeInferer::visit(const ast::QualifiedAsterisk& record) {
+  const AsteriskColumns pairs = mScopeContext.columnsForAsterisk(record.table);
+  std::vector<std::shared_ptr<Type>> types;
+  types.reserve(pairs.size());
+  for (const AsteriskColumn& pair : pairs) types.push_back(mScopeContext.columnType(pair.first, pair.second));
+  mResult = std::make_shared<TupleType>(std::move(types));
+}
+
+void TypeInferer::visit(const ast::QuerySpecification& record) { mResult = querySpecificationType(record); }
+
+void TypeInferer::visit(const ast::RowValueExpression& record) { mResult = rowValueType(record); }
+
+void TypeInferer::visit(const ast::RowValueExpressionList& record) { mResult = rowsValueType(record); }
+
+void TypeInferer::visit(const ast::String& record) { mResult = stringType(record); }
+
+void TypeInferer::visit(const ast::TernaryLogicNode&) { mResult = std::make_shared<Type>(PlainType::Boolean); }
+
+void TypeInferer::faultAction() {
+  // Types are immutable, so one Fault object serves every inferer.
+  static const std::shared_ptr<Type> fault = std::make_shared<Type>(PlainType::Fault);
+  mFaultType = fault;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Entry points.
+
+std::shared_ptr<Type> TypeInferer::inferType(const ast::ExpressionNode& node) { return inferNodeType(node); }
+
+std::shared_ptr<Type> TypeInferer::inferNodeType(const ast::Node& node) {
+  doVisit(node);
+  return mResult;
+}
+
+std::vector<std::shared_ptr<Type>> TypeInferer::inferTypes(const std::vector<ast::ExpressionNode>& nodes) const {
+  std::vector<std::shared_ptr<Type>> types;
+  types.reserve(nodes.size());
+  for (const ast::ExpressionNode& node : nodes) {
+    TypeInferer inferer(mGlobalContext, mScopeContext);
+    inferer.doVisit(node);
+    types.push_back(std::move(inferer).result());
+  }
+  return types;
+}
+
+std::shared_ptr<Type> TypeInferer::functionType(const ast::Function& function) {
+  const std::shared_ptr<FunctionInfo> info = mGlobalContext.function(function.name);
+  if (!info) throw UnknownFunction(function.name);
+  const std::vector<std::shared_ptr<Type>> types = inferTypes(function.arguments);
+  const std::shared_ptr<OverloadInfo> overload = findOverload(function, info, types);
+  return overload->calcFullType(convertTypes(types, overload->parameterTypes(function.arguments.size())));
+}
+
+std::shared_ptr<Type> TypeInferer::operatorType(const ast::Operation& operation) {
+  const std::shared_ptr<OperatorInfo> info = mGlobalContext.operatorInfo(operation.operation);
+  if (!info) throw OperatorNotSupported(operation.operation);
+  const std::vector<std::shared_ptr<Type>> types = operationTypes(operation);
+  const std::shared_ptr<OperatorOverloadInfo> overload = findOperatorOverload(operation, info, types);
+  return overload->calcFullType(convertTypes(types, overload->parameterTypes(operation.operands.size())));
+}
+
+std::vector<std::shared_ptr<Type>> TypeInferer::operationTypes(const ast::Operation& operation) const {
+  if (operation.operation != OperationCode::Cast || operation.operands.size() != 2) {
+    return inferTypes(operation.operands);
+  }
+  // The target of a CAST is a type name that the grammar read as an expression.
+  std::vector<std::shared_ptr<Type>> types;
+  types.reserve(2);
+  TypeInferer value(mGlobalContext, mScopeContext);
+  value.doVisit(operation.operands.front());
+  types.push_back(std::move(value).result());
+  StringTypeInferer target;
+  target.doVisit(operation.operands.back());
+  types.push_back(std::move(target).result());
+  return types;
+}
+
+std::shared_ptr<Type> TypeInferer::stringType(const ast::String& node) {
+  return std::make_shared<LengthType>(PlainType::Char, static_cast<int>(node.value.toString().size()));
+}
+
+std::shared_ptr<OverloadInfo> TypeInferer::inferFunctionOverload(const ast::Function& function) {
+  const std::shared_ptr<FunctionInfo> info = mGlobalContext.function(function.name);
+  if (!info) throw UnknownFunction(function.name);
+  return findOverload(function, info, inferTypes(function.arguments));
+}
+
+std::shared_ptr<OperatorOverloadInfo> TypeInferer::inferOperatorOverload(const ast::Operation& operation) {
+  const std::shared_ptr<OperatorInfo> info = mGlobalContext.operatorInfo(operation.operation);
+  if (!info) throw OperatorNotSupported(operation.operation);
+  return findOperatorOverload(operation, info, operationTypes(operation));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Overload resolution.
+
+bool TypeInferer::fitsWithConversion(const OverloadInfo& overload, const std::vector<PlainType>& plain) const {
+  if (!overload.canTakeParams(plain.size())) return false;
+  const std::size_t count = plain.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    const PlainType expected = overload.parameterType(i);
+    // Contextual comes first so that the host is never asked about it.
+    if (expected == plain[i] || plain[i] == PlainType::Contextual) continue;
+    if (!mGlobalContext.canConvert(plain[i], expected)) return false;
+  }
+  return true;
+}
+
+bool TypeInferer::matchesWithConversion(const std::shared_ptr<OverloadInfo>& overload,
+                                        const std::vector<PlainType>& plain) const {
+  return fitsWithConversion(*overload, plain);
+}
+
+bool TypeInferer::matchesWithConversion(const std::shared_ptr<OperatorOverloadInfo>& overload,
+                                        const std::vector<PlainType>& plain, ast::Quantifier quantifier) const {
+  return overload->mQuantifier == quantifier && fitsWithConversion(*overload, plain);
+}
+
+namespace {
+
+// The candidates of one call, as positions in the host's list, which outlives them. Exact fits
+// are collected first, and the converted ones only where the decision needs them: whether an
+// overload fits exactly doesn't depend on the others, so the outcome is that of one pass over
+// the list, while the common call with one exact fit asks the host about no conversion at all.
+template <class Overload>
+using Candidates = std::vector<const std::shared_ptr<Overload>*>;
+
+template <class Overload>
+std::vector<std::shared_ptr<Overload>> shared(const Candidates<Overload>& candidates) {
+  std::vector<std::shared_ptr<Overload>> result;
+  result.reserve(candidates.size());
+  for (const auto* candidate : candidates) result.push_back(*candidate);
+  return result;
+}
+
+} // namespace
+
+std::shared_ptr<OverloadInfo> TypeInferer::findOverload(const ast::Function& function,
+                                                        const std::shared_ptr<FunctionInfo>& info,
+                                                        const std::vector<std::shared_ptr<Type>>& types) {
+  std::vector<std::shared_ptr<OverloadInfo>> all = info->overloads();
+  const std::vector<PlainType> plain = toPlainTypes(types);
+  Candidates<OverloadInfo> exact;
+  for (const auto& overload : all) {
+    if (overload->matches(plain)) exact.push_back(&overload);
+  }
+  if (exact.size() == 1) return *exact.front();
+  Candidates<OverloadInfo> converted;
+  for (const auto& overload : all) {
+    if (!overload->matches(plain) && fitsWithConversion(*overload, plain)) converted.push_back(&overload);
+  }
+  // Functions have no ranking: two fits of equal standing are an error.
+  if (exact.size() >= 2 || converted.size() >= 2) {
+    exact.insert(exact.end(), converted.begin(), converted.end());
+    throw AmbiguousFunctionCall(function.name, types, shared(exact));
+  }
+  if (converted.size() == 1) return *converted.front();
+  throw NoGoodFunctionCandidate(function.name, types, std::move(all));
+}
+
+std::shared_ptr<OperatorOverloadInfo> TypeInferer::findOperatorOverload(const ast::Operation& operation,
+                                                                        const std::shared_ptr<OperatorInfo>& info,
+                                                                        const std::vector<std::shared_ptr<Type>>& types) {
+  std::vector<std::shared_ptr<OperatorOverloadInfo>> all = info->overloads();
+  const std::vector<PlainType> plain = toPlainTypes(types);
+  Candidates<OperatorOverloadInfo> exact;
+  for (const auto& overload : all) {
+    if (overload->matches(plain, operation.quantifier)) exact.push_back(&overload);
+  }
+  if (exact.size() == 1) return *exact.front();
+  // Unlike functions, the converted candidates play no part once two fit exactly.
+  if (exact.size() >= 2) throw AmbiguousOperatorCall(operation.operation, types, shared(exact));
+  std::vector<std::shared_ptr<OperatorOverloadInfo>> converted;
+  for (const auto& overload : all) {
+    if (overload->mQuantifier == operation.quantifier && fitsWithConversion(*overload, plain)) {
+      converted.push_back(overload);
+    }
+  }
+  if (converted.empty()) throw NoGoodOperatorOverload(operation.operation, types, std::move(all));
+  try {
+    return findBestOperatorMatch(converted, plain);
+  } catch (const AmbiguousOperatorOverloads&) {
+    throw AmbiguousOperatorCall(operation.operation, types, std::move(converted));
+  }
+}
+
+std::shared_ptr<OperatorOverloadInfo>
+TypeInferer::findBestOperatorMatch(const std::vector<std::shared_ptr<OperatorOverloadInfo>>& candidates,
+                                   const std::vector<PlainType>& plain) const {
+  if (candidates.size() == 1) return candidates.front();
+
+  // Does every parameter of the candidate stand at or above `argument(i)`?
+  auto standsAbove = [&](const OperatorOverloadInfo& candidate, auto argument) {
+    for (std::size_t i = 0; i < plain.size(); ++i) {
+      if (mGlobalContext.compareTypes(candidate.parameterType(i), argument(i)) < 0) return false;
+    }
+    return true;
+  };
+
+  std::vector<const std::shared_ptr<OperatorOverloadInfo>*> widening;
+  for (const auto& candidate : candidates) {
+    if (standsAbove(*candidate, [&](std::size_t i) { return plain[i]; })) widening.push_back(&candidate);
+  }
+  if (!widening.empty()) {
+    // The closest fit above the arguments: the lowest candidate.
+    const std::shared_ptr<OperatorOverloadInfo>* best = widening.front();
+    for (std::size_t i = 1; i < widening.size(); ++i) {
+      if (overloadCompare(*widening[i], *best)) best = widening[i];
+    }
+    return *best;
+  }
+
+  // No candidate covers every argument: hold them all against the lowest argument instead. With
+  // no candidates there is nothing to hold, and plain may then be empty as well.
+  if (candidates.empty() || plain.empty()) throw AmbiguousOperatorOverloads();
+  PlainType low = plain.front();
+  for (std::size_t i = 1; i < plain.size(); ++i) {
+    if (mGlobalContext.compareTypes(plain[i], low) < 0) low = plain[i];
+  }
+  std::vector<const std::shared_ptr<OperatorOverloadInfo>*> fallback;
+  for (const auto& candidate : candidates) {
+    if (standsAbove(*candidate, [low](std::size_t) { return low; })) fallback.push_back(&candidate);
+  }
+  if (fallback.empty()) throw AmbiguousOperatorOverloads();
+  // The arguments of overloadCompare stand the other way round than above: this loop ends on
+  // the highest candidate, the one above ends on the lowest. Ties keep the earlier one in both.
+  const std::shared_ptr<OperatorOverloadInfo>* best = fallback.front();
+  for (std::size_t i = 1; i < fallback.size(); ++i) {
+    if (overloadCompare(*best, *fallback[i])) best = fallback[i];
+  }
+  return *best;
+}
+
+bool TypeInferer::overloadCompare(const std::shared_ptr<OperatorOverloadInfo>& a,
+                                  const std::shared_ptr<OperatorOverloadInfo>& b) const {
+  int sign = 0;
+  const std::size_t count = a->mParameters.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    const int r = mGlobalContext.compareTypes(a->mParameters[i], b->mParameters.at(i));
+    if (r == 0) continue;
+    if (sign == 0) {
+      sign = r;
+    } else if ((r < 0) != (sign < 0)) {
+      // One parameter speaks for `a` and another for `b`.
+      throw AmbiguousOperatorOverloads();
+    }
+  }
+  return sign < 0;
+}
+
+std::vector<std::shared_ptr<Type>> TypeInferer::convertTypes(const std::vector<std::shared_ptr<Type>>& types,
+                                                             const std::vector<PlainType>& to) const {
+  const std::size_t n = types.size();
+  VELMOR_SQL_ASSERT(n == to.size(), "TypeInferer");
+  std::vector<std::shared_ptr<Type>> result;
+  result.reserve(n);
+  for (std::size_t i = 0; i < n; ++i) {
+    const std::shared_ptr<Type>& type = types[i];
+    // An argument without a type was left out of the overload search; it stays unknown here
+    // rather than be converted, and the overload's full-type callback sees the empty pointer.
+    if (!type || i >= to.size() || type->plainType() == to[i]) {
+      result.push_back(type);
+    } else {
+      result.push_back(mGlobalContext.convert(type, to[i]));
+    }
+  }
+  return result;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Queries and rows.
+
+void TypeInferer::appendSelectItemTypes(const ast::Node& item, std::vector<std::shared_ptr<Type>>& out) const {
+  TypeInferer inferer(mGlobalContext, mScopeContext);
+  inferer.doVisit(item);
+  std::shared_ptr<Type> type = std::move(inferer).result();
+  // An asterisk or a row opens into its fields. An item without a type (a set operation as a
+  // value) stays one unknown entry, as inferTypes keeps one.
+  if (type && type->plainType() == PlainType::Tuple) {
+    const auto& fields = static_cast<const TupleType&>(*type).types();
+    out.insert(out.end(), fields.begin(), fields.end());
+  } else {
+    out.push_back(std::move(type));
+  }
+}
+
+std::vector<std::shared_ptr<Type>> TypeInferer::selectItemTypes(const ast::Node& item) const {
+  std::vector<std::shared_ptr<Type>> types;
+  appendSelectItemTypes(item, types);
+  return types;
+}
+
+std::vector<std::shared_ptr<Type>> TypeInferer::selectTypes(const std::vector<ast::Node>& list) const {
+  std::vector<std::shared_ptr<Type>> types;
+  types.reserve(list.size());
+  for (const ast::Node& item : list) appendSelectItemTypes(item, types);
+  return types;
+}
+
+std::shared_ptr<Type> TypeInferer::querySpecificationType(const ast::QuerySpecification& query) const {
+  std::vector<std::shared_ptr<Type>> types = selectTypes(query.selectList);
+  std::shared_ptr<Type> row =
+      types.size() == 1 ? std::move(types.front()) : std::make_shared<TupleType>(std::move(types));
+  return std::make_shared<ArrayType>(row);
+}
+
+std::shared_ptr<Type> TypeInferer::rowValueType(const ast::RowValueExpression& row) const {
+  return std::make_shared<TupleType>(inferTypes(row.values));
+}
+
+std::shared_ptr<Type> TypeInferer::rowsValueType(const ast::RowValueExpressionList& list) const {
+  std::vector<std::shared_ptr<Type>> rows = inferTypes(list.rows);
+  if (rows.empty()) return std::make_shared<TupleType>(std::move(rows));
+  if (rows.size() == 1) return std::make_shared<ArrayType>(rows.front());
+  // A row without a type can't be said to fit, so it makes the list a tuple of differing
+  // things, as any other mismatch does.
+  bool fit = static_cast<bool>(rows.front());
+  if (fit) {
+    const PlainType first = rows.front()->plainType();
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+      const std::shared_ptr<Type>& row = rows[i];
+      if (!row || (row->plainType() != first && !mGlobalContext.canConvert(row->plainType(), first))) {
+        fit = false;
+        break;
+      }
+    }
+  }
+  if (fit) return std::make_shared<ArrayType>(rows.front());
+  return std::make_shared<TupleType>(std::move(rows));
+}
+
+} // namespace velmor::sql

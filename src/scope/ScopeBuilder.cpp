@@ -1,0 +1,160 @@
+// Scope construction from a FROM list and result tables from select lists.
+#include <velmor/sql/scope/ScopeBuilder.h>
+
+#include <velmor/sql/inference/TypeInferer.h>
+#include <velmor/sql/validation/SemanticErrors.h>
+
+#include "types/ColumnOrder.h"
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <utility>
+
+namespace velmor::sql {
+
+namespace {
+
+// Names the columns of one select item. Made anew per item; the counter of unnamed columns
+// belongs to the caller so that it runs through the whole select list.
+class ColumnInfoVisitor : public ast::VisitorWithResult<ast::NodeVisitor, std::vector<ColumnInfo>> {
+public:
+  ColumnInfoVisitor(const GlobalTypeContext& global, const std::shared_ptr<ColumnInfoScope>& scope,
+                    std::int32_t* columnNumber)
+      : m_global(global), m_scope(scope), m_columnNumber(columnNumber) {}
+
+  using ast::NodeVisitor::visit;
+
+  void visit(const ast::ColumnReference& record) override {
+    // Without a scope (a query without FROM) no column is known.
+    ColumnInfo column = m_scope ? m_scope->columnInfo(record.table, record.column) : ColumnInfo();
+    if (column.isNull()) throw UnknownColumnReference(record.table, record.column);
+    mResult.push_back(std::move(column));
+  }
+
+  void visit(const ast::QualifiedAsterisk& record) override {
+    // An unknown qualifier yields nothing here; the qualifier checks report it.
+    if (!m_scope) return;
+    for (const AsteriskColumn& pair : m_scope->columnsForAsterisk(record.table)) {
+      std::vector<ColumnInfo> columns = m_scope->columnsInfo(pair.first, pair.second);
+      mResult.insert(mResult.end(), std::make_move_iterator(columns.begin()), std::make_move_iterator(columns.end()));
+    }
+  }
+
+  void visit(const ast::DerivedColumn& record) override {
+    doVisit(record.expression);
+    if (mResult.empty()) {
+      static const ScopeTypeContext noColumns;
+      TypeInferer inferer(m_global, m_scope ? static_cast<const ScopeTypeContext&>(*m_scope) : noColumns);
+      std::shared_ptr<Type> type = inferer.inferType(record.expression);
+      std::wstring name = record.alias;
+      if (name.empty()) name = L"column_" + std::to_wstring((*m_columnNumber)++);
+      mResult.push_back(ColumnInfo::calculatedColumn(std::move(name), std::move(type)));
+    } else if (!record.alias.empty()) {
+      mResult.back() = mResult.back().rename(record.alias);
+    }
+  }
+
+  void faultAction() override {}
+
+private:
+  const GlobalTypeContext& m_global;
+  const std::shared_ptr<ColumnInfoScope>& m_scope;
+  std::int32_t* m_columnNumber;
+};
+
+} // namespace
+
+std::shared_ptr<ColumnInfoScope> buildScopeForTableReference(const GlobalTypeContext& global,
+                                                             const TableInfoContext& tables,
+                                                             const ast::QueryExpressionNode& reference,
+                                                             const std::shared_ptr<ColumnInfoScope>& external) {
+  class BuildTableScopeVisitor : public ast::VisitorWithResult<ast::NodeVisitor, std::shared_ptr<ColumnInfoScope>> {
+  public:
+    BuildTableScopeVisitor(const GlobalTypeContext& global, const TableInfoContext& tables,
+                           const std::shared_ptr<ColumnInfoScope>& external)
+        : m_global(global), m_tables(tables), m_external(external) {}
+
+    using ast::NodeVisitor::visit;
+
+    void visit(const ast::DerivedTable& record) override {
+      m_alias = record.alias;
+      doVisit(record.query);
+    }
+
+    void visit(const ast::JoinNode& record) override {
+      // The kind of join and its condition don't shape the scope: each side keeps its columns.
+      mResult = std::make_shared<JoinScope>(std::vector<std::shared_ptr<ColumnInfoScope>>{
+          buildScopeForTableReference(m_global, m_tables, record.left, m_external),
+          buildScopeForTableReference(m_global, m_tables, record.right, m_external)});
+    }
+
+    void visit(const ast::QuerySpecification& record) override {
+      const std::shared_ptr<ColumnInfoScope> inner = buildScope(m_global, m_tables, record, m_external);
+      std::shared_ptr<TableInfo> info = buildTableInfo(m_global, inner, record.selectList);
+      mResult = std::make_shared<TableInfoScope>(ast::TablePrimary{m_alias, {}}, std::move(info));
+    }
+
+    void visit(const ast::TablePrimary& record) override {
+      std::shared_ptr<TableInfo> info = m_tables.table(record.table);
+      if (!info) throw NonExistentTable(record.table);
+      // Once a table has an alias, the alias is its only name in the query.
+      mResult = std::make_shared<TableInfoScope>(ast::TablePrimary{record.alias.empty() ? record.table : record.alias, {}},
+                                                 std::move(info));
+    }
+
+    void faultAction() override {}
+
+  private:
+    std::wstring m_alias;
+    const GlobalTypeContext& m_global;
+    const TableInfoContext& m_tables;
+    const std::shared_ptr<ColumnInfoScope>& m_external;
+  };
+
+  BuildTableScopeVisitor visitor(global, tables, external);
+  visitor.doVisit(reference);
+  return std::move(visitor).result();
+}
+
+std::shared_ptr<ColumnInfoScope> buildScope(const GlobalTypeContext& global, const TableInfoContext& tables,
+                                            const ast::QuerySpecification& spec,
+                                            const std::shared_ptr<ColumnInfoScope>& external) {
+  if (spec.from.empty()) return {};
+  if (spec.from.size() == 1) {
+    return addExternalScope(buildScopeForTableReference(global, tables, spec.from[0], external), external);
+  }
+  std::vector<std::shared_ptr<ColumnInfoScope>> scopes;
+  scopes.reserve(spec.from.size());
+  for (const ast::QueryExpressionNode& reference : spec.from) {
+    scopes.push_back(buildScopeForTableReference(global, tables, reference, external));
+  }
+  return addExternalScope(std::make_shared<JoinScope>(std::move(scopes)), external);
+}
+
+std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const std::shared_ptr<ColumnInfoScope>& scope,
+                                          const std::vector<ast::Node>& selectList) {
+  std::vector<ColumnInfo> columns;
+  std::set<ColumnInfo> seen;
+  std::int32_t columnNumber = 1;
+  for (const ast::Node& item : selectList) {
+    ColumnInfoVisitor visitor(global, scope, &columnNumber);
+    visitor.doVisit(item);
+    for (ColumnInfo& column : visitor.result()) {
+      // A new name always grows from originalName, never from an alias: x, x1, x2.
+      for (int k = 1; !seen.insert(column).second; ++k) {
+        column = column.rename(column.originalName() + std::to_wstring(k));
+      }
+      columns.push_back(std::move(column));
+    }
+  }
+  return std::make_shared<GenericTableInfo>(columns);
+}
+
+std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const TableInfoContext& tables,
+                                          const ast::QuerySpecification& spec,
+                                          const std::shared_ptr<ColumnInfoScope>& external) {
+  return buildTableInfo(global, buildScope(global, tables, spec, external), spec.selectList);
+}
+
+} // namespace velmor::sql

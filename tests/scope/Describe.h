@@ -1,0 +1,93 @@
+// Short texts of types, columns and semantic faults, so that test tables can state outcomes.
+#pragma once
+
+#include <velmor/sql/ast/EnumNames.h>
+#include <velmor/sql/types/Table.h>
+#include <velmor/sql/types/Type.h>
+#include <velmor/sql/validation/SemanticErrors.h>
+
+#include <string>
+#include <vector>
+
+namespace velmor::sql::test {
+
+inline std::string narrow(const std::wstring& text) { return std::string(text.begin(), text.end()); }
+
+inline std::string plainName(type::PlainType t) {
+  switch (t) {
+#define VELMOR_TEST_PLAIN(Name) case type::PlainType::Name: return #Name;
+  VELMOR_TEST_PLAIN(Contextual) VELMOR_TEST_PLAIN(Fault) VELMOR_TEST_PLAIN(Binary) VELMOR_TEST_PLAIN(VarBinary)
+  VELMOR_TEST_PLAIN(BinaryLargeObject) VELMOR_TEST_PLAIN(Char) VELMOR_TEST_PLAIN(VarChar)
+  VELMOR_TEST_PLAIN(CharLargeObject) VELMOR_TEST_PLAIN(Boolean) VELMOR_TEST_PLAIN(SmallInt)
+  VELMOR_TEST_PLAIN(Integer) VELMOR_TEST_PLAIN(BigInt) VELMOR_TEST_PLAIN(Decimal) VELMOR_TEST_PLAIN(Numeric)
+  VELMOR_TEST_PLAIN(Float) VELMOR_TEST_PLAIN(Real) VELMOR_TEST_PLAIN(Double) VELMOR_TEST_PLAIN(Time)
+  VELMOR_TEST_PLAIN(Date) VELMOR_TEST_PLAIN(Timestamp) VELMOR_TEST_PLAIN(Tuple) VELMOR_TEST_PLAIN(Array)
+#undef VELMOR_TEST_PLAIN
+  }
+  return std::string("?").append(std::to_string(static_cast<int>(t)));
+}
+
+/// "-" for no type; "VarChar(20)", "Decimal(5,3)", "Tuple(Integer,-)", "Array(Integer)", "Integer".
+inline std::string typeText(const std::shared_ptr<Type>& type) {
+  if (!type) return "-";
+  std::string text = plainName(type->plainType());
+  if (const auto* tuple = dynamic_cast<const TupleType*>(type.get())) {
+    text += "(";
+    for (std::size_t i = 0; i < tuple->types().size(); ++i) text.append(i ? "," : "").append(typeText(tuple->types()[i]));
+    return text + ")";
+  }
+  if (const auto* array = dynamic_cast<const ArrayType*>(type.get())) return text + "(" + typeText(array->elementType()) + ")";
+  if (const auto* sized = dynamic_cast<const LengthType*>(type.get())) return text + "(" + std::to_string(sized->length()) + ")";
+  if (const auto* exact = dynamic_cast<const PrecisionScaleType*>(type.get())) {
+    return text + "(" + std::to_string(exact->precision()) + "," + std::to_string(exact->scale()) + ")";
+  }
+  return text;
+}
+
+inline std::string typesText(const std::vector<std::shared_ptr<Type>>& types) {
+  std::string text;
+  for (std::size_t i = 0; i < types.size(); ++i) text.append(i ? " " : "").append(typeText(types[i]));
+  return text;
+}
+
+/// "table.column" of a column's origin, "null" for the null column.
+inline std::string origin(const ColumnInfo& column) {
+  return column.isNull() ? "null" : narrow(column.originalTable()) + "." + narrow(column.originalName());
+}
+
+/// Runs `body` (which gives a text) and gives its text, or the fault it throws with its fields:
+/// "UnknownColumnReference t.c", "NoGoodFunctionCandidate f(Integer) 3", ...
+template <class Body>
+std::string outcome(Body&& body) {
+  try {
+    return body();
+  } catch (const UnknownColumnReference& e) {
+    return "UnknownColumnReference " + narrow(e.tableName) + "." + narrow(e.columnName);
+  } catch (const AmbiguousColumnReference& e) {
+    return "AmbiguousColumnReference " + narrow(e.tableName) + "." + narrow(e.columnName);
+  } catch (const NonExistentTable& e) {
+    return "NonExistentTable " + narrow(e.tableName);
+  } catch (const UnknownFunction& e) {
+    return "UnknownFunction " + narrow(e.functionName);
+  } catch (const NoGoodFunctionCandidate& e) {
+    return "NoGoodFunctionCandidate " + narrow(e.functionName) + "(" + typesText(e.argumentTypes) + ") " +
+           std::to_string(e.candidates.size());
+  } catch (const AmbiguousFunctionCall& e) {
+    return "AmbiguousFunctionCall " + narrow(e.functionName) + "(" + typesText(e.argumentTypes) + ") " +
+           std::to_string(e.candidates.size());
+  } catch (const OperatorNotSupported& e) {
+    return std::string("OperatorNotSupported ") + ast::enumName(e.operation);
+  } catch (const NoGoodOperatorOverload& e) {
+    return std::string("NoGoodOperatorOverload ") + ast::enumName(e.operation) + "(" + typesText(e.argumentTypes) +
+           ") " + std::to_string(e.candidates.size());
+  } catch (const AmbiguousOperatorCall& e) {
+    return std::string("AmbiguousOperatorCall ") + ast::enumName(e.operation) + "(" + typesText(e.argumentTypes) +
+           ") " + std::to_string(e.candidates.size());
+  } catch (const AmbiguousOperatorOverloads&) {
+    return "AmbiguousOperatorOverloads";
+  } catch (const ast::BadNodeTypeException&) {
+    return "BadNodeTypeException";
+  }
+}
+
+} // namespace velmor::sql::test
