@@ -8,6 +8,9 @@
 #include <velmor/sql/ast/EnumNames.h>
 #include <velmor/sql/ast/TernaryLogic.h>
 #include <velmor/sql/ast/Traversal.h>
+#include <velmor/sql/builder/Keywords.h>
+#include <velmor/sql/builder/RenameTableBuilder.h>
+#include <velmor/sql/builder/SqlStringBuilder.h>
 #include <velmor/sql/inference/StringTypeInferer.h>
 #include <velmor/sql/inference/TypeInferer.h>
 #include <velmor/sql/parser/SqlError.h>

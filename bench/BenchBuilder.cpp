@@ -1,0 +1,115 @@
+// Canonical SQL output speed: every statement of the corpus written from pre-parsed trees,
+// in bytes of UTF-8 output per second. Run with --benchmark_repetitions=5 and read the median.
+#include <velmor/sql/builder/SqlStringBuilder.h>
+
+#include "../cli/DefaultContext.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <velmor/sql/parser/SqlParser.h>
+
+namespace {
+
+using namespace velmor::sql;
+
+std::size_t utf8Length(const std::wstring& units) {
+  std::size_t bytes = 0;
+  for (const wchar_t unit : units) {
+    const auto code = static_cast<std::uint32_t>(unit) & 0xFFFFu;
+    // A surrogate pair is four bytes, two for each of its halves.
+    bytes += code < 0x80 ? 1 : code < 0x800 ? 2 : (code >= 0xD800 && code < 0xE000) ? 2 : 3;
+  }
+  return bytes;
+}
+
+void formatAll(benchmark::State& state, const std::vector<ast::Node>& trees,
+               const StringBuildContext* context) {
+  std::size_t bytes = 0;
+  {
+    SqlStringBuilder builder(context);
+    for (const auto& tree : trees) bytes += utf8Length(builder.buildString(tree));
+  }
+  for (auto _ : state) {
+    SqlStringBuilder builder(context);
+    for (const auto& tree : trees) {
+      std::wstring text = builder.buildString(tree);
+      benchmark::DoNotOptimize(text.data());
+    }
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * bytes));
+  state.counters["statements"] = static_cast<double>(trees.size());
+}
+
+class NoParseContext : public ParseContext {};
+
+const std::vector<ast::Node>& corpusTrees() {
+  static const std::vector<ast::Node> trees = [] {
+    std::vector<ast::Node> parsed;
+    const char* overridePath = std::getenv("VELMOR_BENCH_CORPUS");
+    std::ifstream in(overridePath != nullptr ? overridePath : VELMOR_BENCH_CORPUS);
+    NoParseContext context;
+    for (std::string line; std::getline(in, line);) {
+      SqlParser parser(context);
+      if (parser.parse(line)) parsed.push_back(parser.result);
+    }
+    return parsed;
+  }();
+  return trees;
+}
+
+void BM_FormatCorpus(benchmark::State& state) {
+  static const velmor::cli::DefaultStringBuildContext context;
+  formatAll(state, corpusTrees(), &context);
+}
+BENCHMARK(BM_FormatCorpus)->Unit(benchmark::kMillisecond);
+
+void BM_FormatCorpusNoContext(benchmark::State& state) {
+  formatAll(state, corpusTrees(), nullptr);
+}
+BENCHMARK(BM_FormatCorpusNoContext)->Unit(benchmark::kMillisecond);
+
+// A statement of the corpus's shape built by hand, so that the writer can be measured alone.
+ast::Node syntheticStatement() {
+  using namespace ast;
+  auto col = [](const wchar_t* table, const wchar_t* name) {
+    return makeNode<ExpressionNode>(ColumnReference{table, name});
+  };
+  auto num = [](const wchar_t* text) { return makeNode<ExpressionNode>(Number{NumberKind::Integer, text}); };
+  auto bin = [](OperationCode code, ExpressionNode l, ExpressionNode r) {
+    return makeNode<ExpressionNode>(Operation(code, std::move(l), std::move(r)));
+  };
+  QuerySpecification inner;
+  inner.selectList.push_back(makeNode(DerivedColumn{col(L"", L"district_id"), L""}));
+  inner.from.push_back(makeNode<QueryExpressionNode>(TablePrimary{L"districts", L""}));
+  inner.where = bin(OperationCode::And,
+                    bin(OperationCode::In, col(L"", L"district_id"),
+                        makeNode<ExpressionNode>(RowValueExpressionList{{num(L"5905"), num(L"8773")}})),
+                    bin(OperationCode::Like, col(L"", L"district_nm"),
+                        makeNode<ExpressionNode>(String{ASTStringValue()})));
+  QuerySpecification outer;
+  outer.selectList.push_back(makeNode(DerivedColumn{col(L"u1", L"owner_id"), L""}));
+  outer.selectList.push_back(makeNode(DerivedColumn{col(L"u1", L"permit_no"), L"p"}));
+  outer.from.push_back(makeNode<QueryExpressionNode>(TablePrimary{L"permits", L"u1"}));
+  outer.where = bin(OperationCode::And, bin(OperationCode::Equal, col(L"u1", L"status_code"), num(L"7")),
+                    bin(OperationCode::In, col(L"u1", L"parcel_id"), makeNode<ExpressionNode>(inner)));
+  outer.limit.limit = Number{NumberKind::Integer, L"304"};
+  return makeNode<QueryExpressionNode>(QueryOperation{QueryOperationCode::Union, true,
+                                                      makeNode<QueryExpressionNode>(outer),
+                                                      makeNode<QueryExpressionNode>(outer)});
+}
+
+void BM_FormatSynthetic(benchmark::State& state) {
+  static const velmor::cli::DefaultStringBuildContext context;
+  const std::vector<ast::Node> trees(1000, syntheticStatement());
+  formatAll(state, trees, &context);
+}
+BENCHMARK(BM_FormatSynthetic)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();

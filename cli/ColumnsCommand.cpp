@@ -1,0 +1,84 @@
+// velmor-sql columns: the result columns of a query, as the catalogue describes its tables.
+#include "Catalogue.h"
+#include "Commands.h"
+#include "Input.h"
+#include "TypePrinter.h"
+#include "Utf8.h"
+
+#include <velmor/sql/ast/EnumNames.h>
+#include <velmor/sql/ast/Traversal.h>
+#include <velmor/sql/parser/SqlParser.h>
+#include <velmor/sql/scope/ScopeBuilder.h>
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace velmor::cli {
+namespace {
+
+class NoParseContext : public sql::ParseContext {};
+
+std::string orDash(const std::wstring& text) { return text.empty() ? std::string("-") : toUtf8(text); }
+
+} // namespace
+
+int runColumns(const std::vector<std::string>& args) {
+  std::vector<std::string> rest = args;
+  const auto catalogue = takeCatalogue("columns", rest);
+  if (!catalogue) return exitUsage;
+  if (auto status = handleOptions("columns", rest)) return *status;
+
+  NoParseContext parseContext;
+  sql::SqlParser parser(parseContext);
+  if (!parser.parse(readInput(rest))) {
+    for (const auto& error : parser.errors) std::cerr << error->what() << '\n';
+    return exitFailure;
+  }
+  if (!sql::ast::nodeIs<sql::ast::QuerySpecification>(parser.result)) {
+    const char* kind = sql::ast::recordName(parser.result);
+    std::cerr << "velmor-sql columns: no result columns for " << (kind ? kind : "nothing")
+              << " (only a query specification has them here)\n";
+    return exitUsage;
+  }
+
+  std::shared_ptr<sql::TableInfo> table;
+  try {
+    table = sql::buildTableInfo(*catalogue, *catalogue,
+                                sql::ast::getNodeValue<sql::ast::QuerySpecification>(parser.result), nullptr);
+  } catch (const sql::SqlError& error) {
+    std::cout << errorLine(error) << '\n';
+    return exitFailure;
+  }
+
+  // Name (with its other names), type, original table, original name: aligned columns.
+  std::vector<std::array<std::string, 4>> rows;
+  for (std::size_t i = 0; i < table->columnCount(); ++i) {
+    const sql::ColumnInfo column = table->columnByIndex(i);
+    std::string names;
+    for (const auto& name : column.names()) {
+      if (!names.empty()) names += '|';
+      appendUtf8(name, names);
+    }
+    rows.push_back({names.empty() ? "-" : names, typeText(column.type()), orDash(column.originalTable()),
+                    orDash(column.originalName())});
+  }
+  std::array<std::size_t, 4> widths{};
+  for (const auto& row : rows) {
+    for (std::size_t k = 0; k < 4; ++k) widths[k] = std::max(widths[k], row[k].size());
+  }
+  for (const auto& row : rows) {
+    std::string line;
+    for (std::size_t k = 0; k < 4; ++k) {
+      line += row[k];
+      if (k < 3) line += std::string(widths[k] - row[k].size() + 2, ' ');
+    }
+    std::cout << line << '\n';
+  }
+  std::cout.flush();
+  return std::cout ? exitOk : exitFailure;
+}
+
+} // namespace velmor::cli

@@ -1,0 +1,85 @@
+// Small helpers shared by the translation units of the SQL writer.
+#pragma once
+
+#include <velmor/sql/Assert.h>
+#include <velmor/sql/ast/AST.h>
+#include <velmor/sql/builder/Keywords.h>
+
+#include <cstdint>
+#include <string>
+#include <type_traits>
+
+namespace velmor::sql::builder {
+
+inline constexpr const char* kSource = "SqlStringBuilder";
+
+/// The record kinds, in slot order, and None for a node of EmptyNode.
+enum class Kind : unsigned char {
+  None,
+#define VELMOR_SQL_RECORD(Name, isExpr) Name,
+#include <velmor/sql/ast/Records.def>
+};
+
+/// Learns the record kind of a node with one dispatch.
+class KindVisitor final : public ast::NodeVisitor {
+public:
+#define VELMOR_SQL_RECORD(Name, isExpr)                                                            \
+  void visit(const ast::Name&) override { kind = Kind::Name; }
+#include <velmor/sql/ast/Records.def>
+  Kind kind = Kind::None;
+};
+
+/// The kind of `node`; an empty handle throws NullNodeException as any visit would.
+inline Kind kindOf(const ast::Node& node) {
+  KindVisitor visitor;
+  node.accept(visitor);
+  return visitor.kind;
+}
+
+template <class T>
+bool holds(const ast::Node& node) {
+  KindVisitor visitor;
+  node.accept(visitor);
+  switch (visitor.kind) {
+#define VELMOR_SQL_RECORD(Name, isExpr)                                                            \
+  case Kind::Name: return std::is_same_v<T, ast::Name>;
+#include <velmor/sql/ast/Records.def>
+  case Kind::None: return false;
+  }
+  return false;
+}
+
+/// The record of a node already known to hold a T.
+template <class T>
+const T& recordOf(const ast::Node& node) {
+  return static_cast<const ast::NodeImpl<T>&>(*node.mImpl).value();
+}
+
+/// Appends Keywords::escape(word) without making the escaped copy.
+inline void appendName(std::wstring& text, const std::wstring& word) {
+  if (Keywords::instance().isOf(word)) {
+    text += L'[';
+    text += word;
+    text += L']';
+  } else {
+    text += word;
+  }
+}
+
+inline void parenthesize(std::wstring& text) {
+  text.insert(text.begin(), L'(');
+  text.push_back(L')');
+}
+
+inline void appendUnsigned(std::wstring& text, std::uint64_t value) {
+  wchar_t digits[24];
+  wchar_t* end = digits + 24;
+  wchar_t* begin = end;
+  do {
+    *--begin = static_cast<wchar_t>(L'0' + value % 10);
+    value /= 10;
+  } while (value != 0);
+  text.append(begin, end);
+}
+
+} // namespace velmor::sql::builder

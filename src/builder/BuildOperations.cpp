@@ -1,0 +1,296 @@
+// The SQL writer's expressions: operators with their parentheses, CASE, routines, rows.
+#include <velmor/sql/builder/SqlStringBuilder.h>
+
+#include "builder/BuildHelpers.h"
+
+#include <velmor/sql/Assert.h>
+
+#include <array>
+#include <iostream>
+#include <stdexcept>
+
+namespace velmor::sql {
+
+using builder::kSource;
+using builder::parenthesize;
+using builder::recordOf;
+
+namespace {
+
+constexpr std::int32_t kLastBuiltinOperation = 50;
+
+// Canonical texts of the built-in operators, indexed by their numbers.
+constexpr std::array<const wchar_t*, kLastBuiltinOperation + 1> kOperationTexts = {
+#define VELMOR_SQL_OPERATION(Name, Number, Text) L"" Text,
+#include <velmor/sql/ast/OperationCodes.def>
+};
+
+constexpr bool operationTableInOrder() {
+  std::int32_t expected = 0;
+#define VELMOR_SQL_OPERATION(Name, Number, Text)                                                   \
+  if (static_cast<std::int32_t>(OperationCode::Name) != expected++) return false;
+#include <velmor/sql/ast/OperationCodes.def>
+  return expected == kLastBuiltinOperation + 1;
+}
+static_assert(operationTableInOrder(), "operation numbers must run 0..50 without a gap");
+
+std::wstring& identity(std::wstring& text) { return text; }
+
+bool isOneOf(OperationCode code, std::initializer_list<OperationCode> codes) {
+  for (OperationCode candidate : codes)
+    if (code == candidate) return true;
+  return false;
+}
+
+} // namespace
+
+void SqlStringBuilder::visit(const ast::Operation& record) {
+  static const Transform kIdentity = identity;
+  processOperation(record, kIdentity);
+}
+
+std::wstring SqlStringBuilder::operationToString(OperationCode code) const {
+  const auto number = static_cast<std::int32_t>(code);
+  if (number > kLastBuiltinOperation) {
+    if (mContext != nullptr) return mContext->operatorToString(code);
+    std::cerr << "Unhandled custom binary operation: " << number << '\n';
+    return L"UNKNOWN_OPERATOR";
+  }
+  if (number >= 1) return kOperationTexts[static_cast<std::size_t>(number)];
+  std::cerr << "Unhandled builtin operation: " << number << '\n';
+  VELMOR_SQL_ASSERT(false, kSource);
+  return {};
+}
+
+std::wstring SqlStringBuilder::quantifierToString(ast::Quantifier quantifier) {
+  switch (quantifier) {
+  case ast::Quantifier::All: return L"ALL";
+  case ast::Quantifier::Any: return L"ANY";
+  case ast::Quantifier::None: VELMOR_SQL_ASSERT(false, kSource); return {};
+  }
+  std::cerr << "Unhandled quantifier type: " << static_cast<std::int32_t>(quantifier) << '\n';
+  VELMOR_SQL_ASSERT(false, kSource);
+  return {};
+}
+
+void SqlStringBuilder::processOperation(const ast::Operation& op, const Transform& transform) {
+  if (op.operation == OperationCode::Case) {
+    visitCase(op.operands, transform);
+    return;
+  }
+  const std::wstring opText = operationToString(op.operation);
+
+  // Operands go right, third, left: the left one's fragment stays on the stack and becomes
+  // the operation's own.
+  doVisit(op.unary() ? op.operands.at(0) : op.operands.at(1));
+  std::wstring right = std::move(mStack.top());
+  mStack.pop();
+  if (needParantheses(op, true)) parenthesize(right);
+  transform(right);
+
+  if (op.unary()) {
+    std::wstring text;
+    if (isOneOf(op.operation, {OperationCode::Not, OperationCode::Exists, OperationCode::Unique})) {
+      text.reserve(opText.size() + 1 + right.size());
+      text += opText;
+      text += L' ';
+      text += right;
+    } else if (isOneOf(op.operation, {OperationCode::Plus, OperationCode::Minus})) {
+      text.reserve(opText.size() + right.size());
+      text += opText;
+      text += right;
+    } else {
+      std::cerr << "Unhandled unary operation: " << static_cast<std::int32_t>(op.operation) << '\n';
+      VELMOR_SQL_ASSERT(false, kSource);
+    }
+    mStack.push(std::move(text));
+    return;
+  }
+
+  const bool ternary = op.operands.size() >= 3;
+  std::wstring third;
+  if (ternary) {
+    doVisit(op.operands[2]);
+    third = std::move(mStack.top());
+    mStack.pop();
+    parenthesize(third);
+    transform(third);
+  }
+
+  doVisit(op.operands[0]);
+  std::wstring& top = mStack.top();
+  if (needParantheses(op, false)) parenthesize(top);
+
+  if (op.operation == OperationCode::Cast) {
+    const std::wstring& left = transform(top);
+    std::wstring text;
+    text.reserve(opText.size() + left.size() + right.size() + 6);
+    text += opText;
+    text += L'(';
+    text += left;
+    text += L" AS ";
+    text += right;
+    text += L')';
+    top = std::move(text);
+    return;
+  }
+
+  std::wstring& left = transform(top);
+  // The identity transform hands back the fragment itself, which is then extended in place.
+  if (&left != &top) top = left;
+  const std::wstring quantifier =
+      op.quantifier == ast::Quantifier::None ? std::wstring() : quantifierToString(op.quantifier);
+  top.reserve(top.size() + opText.size() + quantifier.size() + right.size() + third.size() + 8);
+  top += L' ';
+  top += opText;
+  top += L' ';
+  if (op.quantifier != ast::Quantifier::None) {
+    top += quantifier;
+    top += L' ';
+  }
+  top += right;
+  if (ternary) {
+    top += L" AND ";
+    top += third;
+  }
+}
+
+bool SqlStringBuilder::needParantheses(const ast::Operation& op, bool right) const {
+  if (right && op.quantifier != ast::Quantifier::None) return true;
+  // The list or query behind IN always has its own parentheses; the value in front never.
+  if (op.operation == OperationCode::In || op.operation == OperationCode::NotIn) return right;
+
+  // Operand 0 of a unary operator is its right side; the left side of a binary one is 0.
+  const ast::ExpressionNode& operandNode =
+      right ? op.operands.at(op.unary() ? 0 : 1) : op.operands.at(0);
+  const builder::Kind kind = builder::kindOf(operandNode);
+  if (kind == builder::Kind::QuerySpecification) return true;
+  if (kind != builder::Kind::Operation) return false;
+  const ast::Operation& operand = recordOf<ast::Operation>(operandNode);
+
+  if (op.unary())
+    return isOneOf(operand.operation, {OperationCode::Or, OperationCode::Xor, OperationCode::And,
+                                       OperationCode::Plus, OperationCode::Minus});
+  if (operand.unary()) return !right && op.operation == OperationCode::Power;
+  if (mContext == nullptr) return true;
+
+  const int precedence = mContext->comparePrecedence(operand.operation, op.operation);
+  if (precedence < 0) return true;
+  if (precedence > 0) return false;
+  // Equal precedence associates to the left; on the right only the operators that are not
+  // associative keep the grouping.
+  return right && isOneOf(op.operation, {OperationCode::Minus, OperationCode::Divide,
+                                         OperationCode::IntegerDivide, OperationCode::Modulo});
+}
+
+void SqlStringBuilder::visitCase(const std::vector<ast::ExpressionNode>& operands,
+                                 const Transform& transform) {
+  const std::size_t count = operands.size();
+  if (count < 3) {
+    std::cerr << "Unexpected parameters count in the case operator: " << count << '\n';
+    VELMOR_SQL_ASSERT(false, kSource);
+    mStack.emplace();
+    return;
+  }
+  std::wstring text = operationToString(OperationCode::Case);
+  text += L' ';
+
+  // A subject written as the word for true is the stand-in of a CASE without subject.
+  doVisit(operands[0]);
+  if (mStack.top() != ternaryToString(TernaryLogic::True)) {
+    text += transform(mStack.top());
+    text += L' ';
+  }
+  mStack.pop();
+
+  std::size_t i = 1;
+  for (; i + 1 < count; i += 2) {
+    text += L"WHEN ";
+    doVisit(operands[i]);
+    text += transform(mStack.top());
+    mStack.pop();
+    doVisit(operands[i + 1]);
+    text += L" THEN ";
+    text += transform(mStack.top());
+    mStack.pop();
+    text += L' ';
+  }
+  if (i < count) {
+    text += L"ELSE ";
+    doVisit(operands[i]);
+    text += transform(mStack.top());
+    mStack.pop();
+    text += L' ';
+  }
+  text += L"END";
+  mStack.push(std::move(text));
+}
+
+void SqlStringBuilder::visit(const ast::Function& record) {
+  std::wstring text = record.name;
+  if (record.asterisk) {
+    text += L"(*)";
+    mStack.push(std::move(text));
+    return;
+  }
+  if (record.arguments.empty()) {
+    text += L"()";
+    mStack.push(std::move(text));
+    return;
+  }
+  text += L'(';
+  if (record.setQuantifier == ast::SetQuantifier::Distinct) text += L"DISTINCT ";
+  for (std::size_t i = 0; i < record.arguments.size(); ++i) {
+    doVisit(record.arguments[i]);
+    std::wstring& argument = mStack.top();
+    if (needParantheses(record.arguments[i])) parenthesize(argument);
+    if (i != 0) text += L", ";
+    text += argument;
+    mStack.pop();
+  }
+  text += L')';
+  mStack.push(std::move(text));
+}
+
+void SqlStringBuilder::visit(const ast::RowValueExpression& record) {
+  // ROW() parses to a row without values, which has no text.
+  if (record.values.empty()) throw std::out_of_range("a row without values cannot be written");
+  doVisit(record.values[0]);
+  std::wstring text = L"(";
+  text += mStack.top();
+  mStack.pop();
+  for (std::size_t i = 1; i < record.values.size(); ++i) {
+    doVisit(record.values[i]);
+    text += L", ";
+    text += mStack.top();
+    mStack.pop();
+  }
+  text += L')';
+  mStack.push(std::move(text));
+}
+
+void SqlStringBuilder::visit(const ast::RowValueExpressionList& record) {
+  // Each row brings its own parentheses; the list itself has none.
+  if (record.rows.empty()) throw std::out_of_range("a row list without rows cannot be written");
+  doVisit(record.rows[0]);
+  for (std::size_t i = 1; i < record.rows.size(); ++i) {
+    doVisit(record.rows[i]);
+    std::wstring row = std::move(mStack.top());
+    mStack.pop();
+    mStack.top() += L", ";
+    mStack.top() += row;
+  }
+}
+
+void SqlStringBuilder::visit(const ast::Range& record) {
+  doVisit(record.lower);
+  std::wstring lower = std::move(mStack.top());
+  mStack.pop();
+  doVisit(record.upper);
+  std::wstring& top = mStack.top();
+  lower += L" AND ";
+  lower += top;
+  top = std::move(lower);
+}
+
+} // namespace velmor::sql
