@@ -3,7 +3,7 @@
 #include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/validation/Validator.h>
 
-#include "../tests/support/CorpusCatalogue.h"
+#include "CorpusCatalogue.h"
 
 #include <benchmark/benchmark.h>
 

@@ -44,7 +44,11 @@ bool LimitSpecification::isEqual(const LimitSpecification& other) const {
 
 Operation::Operation(OperationCode code, ExpressionNode leftOperand, ExpressionNode rightOperand,
                      Quantifier quant)
-    : operation(code), quantifier(quant), operands{std::move(leftOperand), std::move(rightOperand)} {
+    : operation(code), quantifier(quant) {
+  // Not a braced list: its elements would be copied, not moved.
+  operands.reserve(2);
+  operands.push_back(std::move(leftOperand));
+  operands.push_back(std::move(rightOperand));
   VELMOR_SQL_ASSERT(operation != OperationCode::Invalid, "AST");
 }
 

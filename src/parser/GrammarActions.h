@@ -2,7 +2,13 @@
 #pragma once
 
 #include <velmor/sql/ast/AST.h>
+#include <velmor/sql/parser/SqlParser.h>
 
+#include "parser/SqlParserPrivate.h"
+#include "sqllexer/Location.h"
+#include "sqllexer/SqlLexer.h"
+
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,6 +17,30 @@ namespace velmor::sql::grammar {
 
 using ast::makeEmptyNode;
 using ast::makeNode;
+
+/// The location of a rule's symbol: from the begin of its first part to the end of its last
+/// (an empty rule sits at the end of the symbol before it), as deep as its deepest part.
+/// `parts[1]` to `parts[count]` are the rule's parts, `parts[0]` the symbol below them.
+template <class Parts>
+[[gnu::always_inline]] inline void span(Location& current, const Parts& parts, int count) {
+  if (count == 0) {
+    current.begin = current.end = parts[0].location.end;
+    current.depth = 0;
+    return;
+  }
+  // The parts lie side by side in the automaton's stack, the first lowest.
+  const auto* first = &parts[1];
+  current.begin = first[0].location.begin;
+  current.end = first[count - 1].location.end;
+  int depth = first[0].location.depth;
+  for (int i = 1; i < count; ++i) depth = std::max(depth, first[i].location.depth);
+  current.depth = depth;
+}
+
+/// The rule made a node over its parts: one level deeper, within the nesting limit.
+inline void nest(Location& location, const ParseSession& session) {
+  if (++location.depth > SqlParser::maxNestingDepth) nestingTooDeep(*session.lexer);
+}
 
 template <class T>
 std::vector<std::decay_t<T>> listOf(T&& first) {

@@ -5,18 +5,38 @@
 #include "sqllexer/SqlLexer.h"
 
 #include <array>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace velmor::sql {
 
-int yylex(Parser::value_type* value, Location* location, SqlLexer& lexer) {
-  // The scanner widens into a buffer that keeps its capacity, so that each text is allocated
-  // once, at its final size, when it is copied into the token's value.
-  thread_local std::wstring scratch;
-  const int id = lexer.lex(&scratch, location);
+namespace {
+// Texts up to this size keep the automaton and its stack for the next parse.
+constexpr std::size_t keptStackTextSize = 16384;
+} // namespace
+
+int yylex(Parser::value_type* value, Location* location, ParseSession& session) {
+  SqlLexer& lexer = *session.lexer;
+  const int id = lexer.lexId(location);
   // Only the five text tokens have a value slot; giving another token one would never be freed.
-  if (carriesText(static_cast<std::uint32_t>(id))) value->emplace<std::wstring>(scratch);
+  if (carriesText(static_cast<std::uint32_t>(id))) {
+    const std::string_view bytes = lexer.token().text;
+    std::wstring& text = value->emplace<std::wstring>();
+    Lexer::assignWide(bytes, text);
+    // Widening sizes the text by its bytes; non-ASCII text needs fewer units than that.
+    if (text.size() != bytes.size()) text.shrink_to_fit();
+  } else if (lexer.openParentheses() > SqlParser::maxNestingDepth) {
+    // Parentheses that leave no node behind still take a place on the automaton's stack each.
+    nestingTooDeep(lexer);
+  }
   return id;
+}
+
+void nestingTooDeep(const SqlLexer& lexer) {
+  const Position at(lexer.token().line, lexer.token().column);
+  throw Parser::syntax_error(Location(at, at), "syntax error, nesting too deep (limit " +
+                                                   std::to_string(SqlParser::maxNestingDepth) + ")");
 }
 
 // The automaton's own error hook is only a stand-in: SqlParserPrivate decides where errors go.
@@ -49,6 +69,19 @@ void SqlParserPrivate::error(const location_type& location, const std::string& m
                                                         static_cast<std::size_t>(location.begin.column), message));
 }
 
+int SqlParserPrivate::run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors) {
+  mSession = ParseSession{&lexer, &result, &context};
+  mErrors = errors;
+  struct Reset {
+    SqlParserPrivate& automaton;
+    ~Reset() {
+      automaton.mSession = {};
+      automaton.mErrors = nullptr;
+    }
+  } reset{*this};
+  return parse();
+}
+
 ParseContext::~ParseContext() = default;
 
 SqlParser::SqlParser(const ParseContext& context_) : context(&context_) {}
@@ -66,8 +99,17 @@ bool SqlParser::parse(const std::string& text) {
   {
     SqlLexer lexer(text, &errors);
     lexer.setTrace(debugTrace);
-    SqlParserPrivate automaton(lexer, tree, *context, &errors);
-    automaton.parse();
+    if (!mAutomaton) mAutomaton = std::make_unique<SqlParserPrivate>();
+    // A long text may grow the automaton's stack far beyond what statements need: drop it
+    // afterwards, also when an exception passes.
+    struct DropLongStack {
+      std::unique_ptr<SqlParserPrivate>& automaton;
+      bool longText;
+      ~DropLongStack() {
+        if (longText) automaton.reset();
+      }
+    } dropLongStack{mAutomaton, text.size() > keptStackTextSize};
+    mAutomaton->run(lexer, tree, *context, &errors);
     if (errors.empty()) result = std::move(tree);
   }
   return !result.isNull();

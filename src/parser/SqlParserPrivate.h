@@ -16,18 +16,28 @@ namespace velmor::sql {
 /// symbol order ("error" and the error entries of nonassociative operators left out).
 std::string syntaxErrorMessage(const Parser::context& context);
 
+/// Throws the automaton's syntax_error "syntax error, nesting too deep (limit N)" located at
+/// the token that `lexer` returned last.
+[[noreturn]] void nestingTooDeep(const SqlLexer& lexer);
+
+/// The automaton of one SqlParser, kept from parse to parse.
 class SqlParserPrivate final : public Parser {
 public:
   using ErrorList = std::vector<std::shared_ptr<SqlError>>;
 
-  SqlParserPrivate(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors)
-      : Parser(lexer, result, context), mErrors(errors) {}
+  // The base keeps a reference to mSession, which is only read once run() has filled it.
+  SqlParserPrivate() : Parser(mSession) {}
+
+  /// Parses the text of `lexer` into `result`; syntax errors go to `errors`. Returns what
+  /// Parser::parse returns; lets what it lets through pass.
+  int run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors);
 
   /// Appends an UnexpectedLexeme at the location's begin.
   void error(const location_type& location, const std::string& message) override;
 
 private:
-  ErrorList* mErrors;
+  ParseSession mSession;
+  ErrorList* mErrors = nullptr;
 };
 
 } // namespace velmor::sql

@@ -13,7 +13,12 @@ SqlLexer::~SqlLexer() = default;
 
 int SqlLexer::lex(std::wstring* semantic, Location* location) {
   VELMOR_SQL_ASSERT(semantic != nullptr, "SqlLexer");
+  const int id = lexId(location);
+  if (carriesText(mToken.id)) assignWide(mToken.text, semantic ? *semantic : mScratch);
+  return id;
+}
 
+int SqlLexer::lexId(Location* location) {
   if (!next(mToken)) {
     mToken.text = {};
     mToken.id = T_TERMINATION;
@@ -21,8 +26,10 @@ int SqlLexer::lex(std::wstring* semantic, Location* location) {
     mToken.column = column();
   }
 
-  if (carriesText(mToken.id)) {
-    assignWide(mToken.text, semantic ? *semantic : mScratch);
+  if (mToken.id == '(') {
+    ++mOpenParentheses;
+  } else if (mToken.id == ')' && mOpenParentheses > 0) {
+    --mOpenParentheses;
   }
 
   if (mTrace) {
@@ -33,6 +40,7 @@ int SqlLexer::lex(std::wstring* semantic, Location* location) {
   if (location) {
     location->begin = Position(mToken.line, mToken.column);
     location->end = Position(mToken.line, mToken.column + static_cast<int>(mToken.text.size()) + 1);
+    location->depth = 0;
   }
   return static_cast<int>(mToken.id);
 }

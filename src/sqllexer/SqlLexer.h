@@ -27,6 +27,10 @@ public:
   /// plus the byte length of the token's text plus one. Throws as Lexer::next does.
   int lex(std::wstring* semantic, Location* location);
 
+  /// lex() without the wide text: the text of the token is token().text, to be widened by
+  /// the caller where it wants it.
+  int lexId(Location* location);
+
   /// Adds an UnknownLexeme to the error list. The scanner drops unmatched input silently and
   /// does not call it; it is here for a stricter scanner.
   void unknownLexeme(const std::wstring& lexeme) override;
@@ -38,11 +42,15 @@ public:
   /// The last token that lex() returned; its text is valid until the next call of lex().
   const Token& token() const { return mToken; }
 
+  /// '(' tokens returned so far that no ')' has closed yet.
+  int openParentheses() const { return mOpenParentheses; }
+
 private:
   ErrorList* mErrors;
   Token mToken;
   std::wstring mScratch;   // the wide text when the caller gives no semantic slot
   bool mTrace = false;
+  int mOpenParentheses = 0;
 };
 
 } // namespace velmor::sql

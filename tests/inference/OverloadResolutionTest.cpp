@@ -1,6 +1,7 @@
 // Choosing the overload of a function or operator call: exact, converted, ranked, ambiguous.
 #include "scope/Describe.h"
 #include "scope/Trees.h"
+#include "support/Golden.h"
 #include "support/SampleHost.h"
 
 #include <velmor/sql/Assert.h>
@@ -9,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <sstream>
 #include <stdexcept>
 
 namespace velmor::sql::test {
@@ -54,67 +57,67 @@ std::shared_ptr<ColumnInfoScope> numbers() {
                                 ColumnInfo(L"v", sample::varchar(10), L"n")}));
 }
 
-// The position of the chosen overload in the catalogue's list, or the fault.
-std::string chosenFunction(const ResolutionHost& host, const Overloads& list, const E& call) {
-  const auto scope = numbers();
-  return outcome([&] {
-    TypeInferer inferer(host, *scope);
-    const auto chosen = inferer.inferFunctionOverload(getNodeValue<ast::Function>(call));
-    for (std::size_t i = 0; i < list.size(); ++i) {
-      if (list[i] == chosen) return "#" + std::to_string(i);
-    }
-    return std::string("?");
-  });
-}
-
-std::string chosenOperator(const ResolutionHost& host, const OperatorOverloads& list, const E& call) {
-  const auto scope = numbers();
-  return outcome([&] {
-    TypeInferer inferer(host, *scope);
-    const auto chosen = inferer.inferOperatorOverload(getNodeValue<ast::Operation>(call));
-    for (std::size_t i = 0; i < list.size(); ++i) {
-      if (list[i] == chosen) return "#" + std::to_string(i);
-    }
-    return std::string("?");
-  });
-}
-
-TEST(OverloadResolutionTest, Functions) {
-  const E untyped = ast::makeNode<E>(ast::QueryOperation{});
-  const struct {
-    const char* what;
-    Overloads list;
-    std::vector<E> arguments;
-    const char* expected;
-  } cases[] = {
-      {"exact beats converted", {f({PlainType::Double}), f({PlainType::Integer})}, {col(L"i")}, "#1"},
-      {"one conversion", {f({PlainType::Double}), f({PlainType::VarChar})}, {col(L"s")}, "#0"},
-      {"two conversions are ambiguous", {f({PlainType::Integer}), f({PlainType::Double})}, {col(L"s")},
-       "AmbiguousFunctionCall f(SmallInt) 2"},
-      {"two exact ones list the converted too", {f({PlainType::Integer}), f({PlainType::Double}), f({PlainType::Integer})},
-       {col(L"i")}, "AmbiguousFunctionCall f(Integer) 3"},
-      {"contextual fits anything", {f({PlainType::Integer}), f({PlainType::Date})}, {contextual(ast::Value::Default)},
-       "AmbiguousFunctionCall f(Contextual) 2"},
-      {"contextual with one overload", {f({PlainType::Date})}, {contextual(ast::Value::Null)}, "#0"},
-      {"nothing fits", {f({PlainType::Integer}), f({PlainType::Double})}, {col(L"v")},
-       "NoGoodFunctionCandidate f(VarChar(10)) 2"},
-      {"wrong arity", {f({PlainType::Integer})}, {col(L"i"), col(L"i")},
-       "NoGoodFunctionCandidate f(Integer Integer) 1"},
-      {"no overloads", {}, {}, "NoGoodFunctionCandidate f() 0"},
-      {"two without arguments", {f({}), f({})}, {}, "AmbiguousFunctionCall f() 2"},
-      {"no arguments", {f({PlainType::Integer}), f({})}, {}, "#1"},
-      {"optional parameter", {std::make_shared<OverloadInfo>(PlainType::Integer, std::vector{PlainType::Integer},
-                                                             sample::sameAs(0), Determinism::Deterministic,
-                                                             std::vector{PlainType::VarChar})},
-       {col(L"s"), col(L"v")}, "#0"},
-      {"an untyped argument drops out", {f({PlainType::Integer}), f({})}, {untyped}, "#1"},
-  };
-  for (const auto& c : cases) {
-    ResolutionHost host;
-    host.addFunction(L"f", FunctionKind::Ordinary, c.list);
-    EXPECT_EQ(chosenFunction(host, c.list, fn(L"f", c.arguments)), c.expected) << c.what;
+PlainType plainNamed(const std::string& name) {
+  for (int number = 0; number < 64; ++number) {
+    if (plainName(static_cast<PlainType>(number)) == name) return static_cast<PlainType>(number);
   }
+  throw std::invalid_argument("no plain type " + name);
 }
+
+// data/inference/overloads.golden: "[numeric] f|* (P P [Q]) (P P ALL) ... -> ARG ... [ALL]": the
+// overloads of f or of *, each in parentheses ([Q] optional, ALL quantified), and the call's
+// arguments (columns of numbers(), default, null or untyped): the position of the overload
+// chosen, or the fault. "numeric" lets the host convert any number to any other.
+std::string chosen(const std::string& input) {
+  std::istringstream in(input);
+  ResolutionHost host;
+  std::string word;
+  in >> word;
+  if (word == "numeric") {
+    host.m_anyNumeric = true;
+    in >> word;
+  }
+  const bool function = word == "f";
+  Overloads functions;
+  OperatorOverloads operators;
+  std::vector<PlainType> parameters, optional;
+  ast::Quantifier quantifier = ast::Quantifier::None;
+  while (in >> word && word != "->") {
+    if (word.front() == '(') parameters.clear(), optional.clear(), quantifier = ast::Quantifier::None, word.erase(0, 1);
+    const bool close = !word.empty() && word.back() == ')';
+    if (close) word.pop_back();
+    if (word == "ALL") quantifier = ast::Quantifier::All;
+    else if (!word.empty() && word.front() == '[') optional.push_back(plainNamed(word.substr(1, word.size() - 2)));
+    else if (!word.empty()) parameters.push_back(plainNamed(word));
+    if (close && function) {
+      functions.push_back(std::make_shared<OverloadInfo>(PlainType::Integer, parameters, sample::sameAs(0),
+                                                         Determinism::Deterministic, optional));
+    }
+    if (close && !function) operators.push_back(o(parameters, quantifier));
+  }
+  std::vector<E> arguments;
+  ast::Quantifier call = ast::Quantifier::None;
+  while (in >> word) {
+    if (word == "ALL") call = ast::Quantifier::All;
+    else if (word == "default" || word == "null") arguments.push_back(contextual(word == "null" ? ast::Value::Null : ast::Value::Default));
+    else if (word == "untyped") arguments.push_back(ast::makeNode<E>(ast::QueryOperation{}));
+    else arguments.push_back(col(std::wstring(word.begin(), word.end())));
+  }
+  if (function) host.addFunction(L"f", FunctionKind::Ordinary, functions);
+  else host.addOperator(OperationCode::Multiply, operators);
+  const auto scope = numbers();
+  return outcome([&] {
+    TypeInferer inferer(host, *scope);
+    const auto index = [](const auto& list, const auto& found) {
+      return "#" + std::to_string(std::find(list.begin(), list.end(), found) - list.begin());
+    };
+    if (function) return index(functions, inferer.inferFunctionOverload(getNodeValue<ast::Function>(fn(L"f", arguments))));
+    return index(operators, inferer.inferOperatorOverload(
+                                getNodeValue<ast::Operation>(op(OperationCode::Multiply, arguments, call))));
+  });
+}
+
+const bool registered = (registerGolden("Overloads", "inference/overloads.golden", chosen), true);
 
 TEST(OverloadResolutionTest, ContextualIsNeverAskedAbout) {
   ResolutionHost host;
@@ -124,58 +127,6 @@ TEST(OverloadResolutionTest, ContextualIsNeverAskedAbout) {
   EXPECT_TRUE(inferer.matchesWithConversion(f({PlainType::Date, PlainType::Integer}),
                                             {PlainType::Contextual, PlainType::Integer}));
   EXPECT_EQ(host.m_canConvertCalls, 0);
-}
-
-TEST(OverloadResolutionTest, Operators) {
-  using PT = PlainType;
-  const ast::Quantifier all = ast::Quantifier::All;
-  const struct {
-    const char* what;
-    bool anyNumeric;
-    OperatorOverloads list;
-    std::vector<E> operands;
-    ast::Quantifier quantifier;
-    const char* expected;
-  } cases[] = {
-      {"exact beats converted", false, {o({PT::Double, PT::Double}), o({PT::Integer, PT::Integer})},
-       {col(L"i"), col(L"i")}, {}, "#1"},
-      {"two exact ones, converted left out", false,
-       {o({PT::Integer, PT::Integer}), o({PT::Double, PT::Double}), o({PT::Integer, PT::Integer})},
-       {col(L"i"), col(L"i")}, {}, "AmbiguousOperatorCall Multiply(Integer Integer) 2"},
-      {"nothing fits", false, {o({PT::Integer, PT::Integer}), o({PT::Date, PT::Date})}, {col(L"v"), col(L"i")}, {},
-       "NoGoodOperatorOverload Multiply(VarChar(10) Integer) 2"},
-      {"widening takes the lowest", false, {o({PT::Double, PT::Double}), o({PT::Integer, PT::Integer}),
-                                            o({PT::BigInt, PT::BigInt})},
-       {col(L"s"), col(L"s")}, {}, "#1"},
-      {"widening ties go to the earlier", false, {o({PT::Integer, PT::Integer}), o({PT::Integer, PT::Integer})},
-       {col(L"s"), col(L"s")}, {}, "#0"},
-      {"widening over mixed arguments", false, {o({PT::Double, PT::Double}), o({PT::BigInt, PT::BigInt}),
-                                                o({PT::Integer, PT::Integer})},
-       {col(L"s"), col(L"b")}, {}, "#1"},
-      {"parameters that disagree", false, {o({PT::Integer, PT::Double}), o({PT::Double, PT::Integer})},
-       {col(L"s"), col(L"s")}, {}, "AmbiguousOperatorCall Multiply(SmallInt SmallInt) 2"},
-      {"fallback takes the highest", true, {o({PT::SmallInt, PT::SmallInt}), o({PT::Integer, PT::Integer}),
-                                            o({PT::BigInt, PT::BigInt})},
-       {col(L"d"), col(L"i")}, {}, "#2"},
-      {"fallback ties go to the earlier", true, {o({PT::BigInt, PT::BigInt}), o({PT::BigInt, PT::BigInt})},
-       {col(L"d"), col(L"i")}, {}, "#0"},
-      {"fallback holds all against the lowest", true, {o({PT::Integer, PT::SmallInt}), o({PT::SmallInt, PT::Integer})},
-       {col(L"d"), col(L"i")}, {}, "AmbiguousOperatorCall Multiply(Double Integer) 2"},
-      {"a single candidate is not ranked", true, {o({PT::SmallInt, PT::SmallInt})}, {col(L"d"), col(L"i")}, {}, "#0"},
-      {"quantified overload", false, {o({PT::Integer, PT::Integer}), o({PT::Integer, PT::Integer}, all)},
-       {col(L"i"), col(L"i")}, all, "#1"},
-      {"quantified, converted", false, {o({PT::Double, PT::Double}), o({PT::Double, PT::Double}, all)},
-       {col(L"i"), col(L"i")}, all, "#1"},
-      {"other quantifier is no candidate", false, {o({PT::Integer, PT::Integer}), o({PT::Double, PT::Double})},
-       {col(L"i"), col(L"i")}, all, "NoGoodOperatorOverload Multiply(Integer Integer) 2"},
-  };
-  for (const auto& c : cases) {
-    ResolutionHost host;
-    host.m_anyNumeric = c.anyNumeric;
-    host.addOperator(OperationCode::Multiply, c.list);
-    EXPECT_EQ(chosenOperator(host, c.list, op(OperationCode::Multiply, c.operands, c.quantifier)), c.expected)
-        << c.what;
-  }
 }
 
 // Which overloads each fault names, in which order.

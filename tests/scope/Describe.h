@@ -55,34 +55,43 @@ inline std::string origin(const ColumnInfo& column) {
   return column.isNull() ? "null" : narrow(column.originalTable()) + "." + narrow(column.originalName());
 }
 
-/// Runs `body` (which gives a text) and gives its text, or the fault it throws with its fields:
-/// "UnknownColumnReference t.c", "NoGoodFunctionCandidate f(Integer) 3", ...
+/// A fault with its fields: "UnknownColumnReference t.c", "NoGoodFunctionCandidate f(Integer) 3",
+/// "UnknownTableReference t", ...; "type N" for a fault without a text here.
+inline std::string faultText(const SqlError& error) {
+  const auto call = [](std::string text, const std::vector<std::shared_ptr<Type>>& types, std::size_t candidates) {
+    return text.append("(").append(typesText(types)).append(") ").append(std::to_string(candidates));
+  };
+  const auto names = [](std::string text, const std::wstring& table, const std::wstring& column) {
+    return text.append(narrow(table)).append(".").append(narrow(column));
+  };
+  if (auto* e = dynamic_cast<const UnknownColumnReference*>(&error)) return names("UnknownColumnReference ", e->tableName, e->columnName);
+  if (auto* e = dynamic_cast<const AmbiguousColumnReference*>(&error)) return names("AmbiguousColumnReference ", e->tableName, e->columnName);
+  if (auto* e = dynamic_cast<const NonExistentTable*>(&error)) return "NonExistentTable " + narrow(e->tableName);
+  if (auto* e = dynamic_cast<const UnknownTableReference*>(&error)) return "UnknownTableReference " + narrow(e->tableName);
+  if (auto* e = dynamic_cast<const AmbiguousTablesReference*>(&error)) return "AmbiguousTablesReference " + narrow(e->tableName);
+  if (auto* e = dynamic_cast<const UnknownFunction*>(&error)) return "UnknownFunction " + narrow(e->functionName);
+  if (auto* e = dynamic_cast<const NoGoodFunctionCandidate*>(&error))
+    return call("NoGoodFunctionCandidate " + narrow(e->functionName), e->argumentTypes, e->candidates.size());
+  if (auto* e = dynamic_cast<const AmbiguousFunctionCall*>(&error))
+    return call("AmbiguousFunctionCall " + narrow(e->functionName), e->argumentTypes, e->candidates.size());
+  if (auto* e = dynamic_cast<const OperatorNotSupported*>(&error))
+    return std::string("OperatorNotSupported ") + ast::enumName(e->operation);
+  if (auto* e = dynamic_cast<const NoGoodOperatorOverload*>(&error))
+    return call(std::string("NoGoodOperatorOverload ") + ast::enumName(e->operation), e->argumentTypes, e->candidates.size());
+  if (auto* e = dynamic_cast<const AmbiguousOperatorCall*>(&error))
+    return call(std::string("AmbiguousOperatorCall ") + ast::enumName(e->operation), e->argumentTypes, e->candidates.size());
+  if (dynamic_cast<const AggregateInWhereClause*>(&error)) return "AggregateInWhereClause";
+  if (dynamic_cast<const ContextQuery*>(&error)) return "ContextQuery";
+  return "type " + std::to_string(static_cast<int>(error.type()));
+}
+
+/// Runs `body` (which gives a text) and gives its text, or the fault it throws.
 template <class Body>
 std::string outcome(Body&& body) {
   try {
     return body();
-  } catch (const UnknownColumnReference& e) {
-    return "UnknownColumnReference " + narrow(e.tableName) + "." + narrow(e.columnName);
-  } catch (const AmbiguousColumnReference& e) {
-    return "AmbiguousColumnReference " + narrow(e.tableName) + "." + narrow(e.columnName);
-  } catch (const NonExistentTable& e) {
-    return "NonExistentTable " + narrow(e.tableName);
-  } catch (const UnknownFunction& e) {
-    return "UnknownFunction " + narrow(e.functionName);
-  } catch (const NoGoodFunctionCandidate& e) {
-    return "NoGoodFunctionCandidate " + narrow(e.functionName) + "(" + typesText(e.argumentTypes) + ") " +
-           std::to_string(e.candidates.size());
-  } catch (const AmbiguousFunctionCall& e) {
-    return "AmbiguousFunctionCall " + narrow(e.functionName) + "(" + typesText(e.argumentTypes) + ") " +
-           std::to_string(e.candidates.size());
-  } catch (const OperatorNotSupported& e) {
-    return std::string("OperatorNotSupported ") + ast::enumName(e.operation);
-  } catch (const NoGoodOperatorOverload& e) {
-    return std::string("NoGoodOperatorOverload ") + ast::enumName(e.operation) + "(" + typesText(e.argumentTypes) +
-           ") " + std::to_string(e.candidates.size());
-  } catch (const AmbiguousOperatorCall& e) {
-    return std::string("AmbiguousOperatorCall ") + ast::enumName(e.operation) + "(" + typesText(e.argumentTypes) +
-           ") " + std::to_string(e.candidates.size());
+  } catch (const SqlError& e) {
+    return faultText(e);
   } catch (const AmbiguousOperatorOverloads&) {
     return "AmbiguousOperatorOverloads";
   } catch (const ast::BadNodeTypeException&) {

@@ -1,12 +1,18 @@
-// Name resolution and asterisk expansion of scopes built from FROM lists.
+// Golden files under data/scope:
+//   names.golden: "FROM list | enclosing FROM list | table.column" and the origin of the column
+//   found (or "t.*", "*" and the pairs they expand to);
+//   results.golden: "query [| enclosing FROM list]" and its result columns, one per line.
 #include "scope/Describe.h"
 #include "scope/Trees.h"
+#include "support/Golden.h"
 #include "support/SampleHost.h"
 
 #include <velmor/sql/scope/ScopeBuilder.h>
 #include <velmor/sql/types/Strings.h>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace velmor::sql::test {
 namespace {
@@ -16,53 +22,25 @@ sample::SampleHost& host() {
   return instance;
 }
 
-// The scope of a FROM list written as text, behind the scope of an enclosing FROM list if any.
-std::shared_ptr<ColumnInfoScope> scopeOf(const char* from, const char* outer = "") {
-  std::shared_ptr<ColumnInfoScope> external;
-  if (*outer) external = buildScope(host(), host(), parseQuery(std::string("SELECT 1 FROM ") + outer), nullptr);
-  return buildScope(host(), host(), parseQuery(std::string("SELECT 1 FROM ") + from), external);
+std::vector<std::string> fields(const std::string& input) {
+  std::vector<std::string> out;
+  for (std::size_t begin = 0, bar; begin <= input.size(); begin = bar + 1) {
+    bar = std::min(input.find('|', begin), input.size());
+    const auto first = input.find_first_not_of(' ', begin);
+    const auto last = input.find_last_not_of(' ', bar - 1);
+    out.push_back(first < bar && last != std::string::npos ? input.substr(first, last - first + 1) : "");
+  }
+  return out;
 }
 
-TEST(ScopeTest, ResolvesQualifiedAndUnqualifiedNames) {
-  const struct {
-    const char* from;
-    const char* outer;
-    const wchar_t* table;
-    const wchar_t* column;
-    const char* expected;  // origin of the column found, "null", or the fault
-  } cases[] = {
-      {"cities", "", L"", L"name", "cities.name"},
-      {"cities", "", L"CITIES", L"Name", "cities.name"},
-      {"sensors", "", L"", L"key", "sensors.id"},  // a second name of a column
-      {"cities", "", L"", L"zzz", "null"},
-      {"cities AS c", "", L"c", L"name", "cities.name"},
-      {"cities AS c", "", L"cities", L"name", "null"},  // the alias hides the table name
-      {"cities, roads", "", L"", L"name", "AmbiguousColumnReference .name"},
-      {"cities, roads", "", L"", L"NAME", "AmbiguousColumnReference .NAME"},
-      {"cities, roads", "", L"cities", L"name", "cities.name"},
-      {"cities, roads", "", L"roads", L"name", "roads.name"},
-      {"cities, roads", "", L"", L"lanes", "roads.lanes"},
-      {"cities JOIN roads USING (id)", "", L"", L"id", "AmbiguousColumnReference .id"},
-      {"cities AS a, cities AS b", "", L"", L"id", "AmbiguousColumnReference .id"},
-      {"cities AS a, cities AS b", "", L"b", L"id", "cities.id"},
-      {"cities JOIN roads ON 1 = 1, countries", "", L"", L"obj", "AmbiguousColumnReference .obj"},
-      {"roads", "cities", L"", L"name", "roads.name"},  // an inner column hides an outer one
-      {"roads", "cities", L"", L"population", "cities.population"},
-      {"roads", "cities", L"cities", L"name", "cities.name"},
-      {"sensors", "cities, roads", L"", L"name", "AmbiguousColumnReference .name"},
-      {"(SELECT id FROM cities) AS d", "", L"d", L"id", "cities.id"},
-      {"(SELECT id FROM cities) AS d", "", L"cities", L"id", "null"},
-      {"(SELECT id FROM roads UNION SELECT id FROM roads) AS u, cities", "", L"", L"id", "cities.id"},
-  };
-  for (const auto& c : cases) {
-    const auto scope = scopeOf(c.from, c.outer);
-    EXPECT_EQ(outcome([&] { return origin(scope->columnInfo(c.table, c.column)); }), c.expected)
-        << c.from << " / " << narrow(c.table) << "." << narrow(c.column);
-  }
-  // Only a host can put a plain table behind a derived table's alias; the table keeps its name.
-  const auto plain = buildScope(host(), host(), spec({}, {derived(tp(L"cities"), L"d")}), nullptr);
-  EXPECT_EQ(origin(plain->columnInfo(L"cities", L"id")), "cities.id");
+// The scope of a FROM list written as text, behind the scope of an enclosing FROM list if any.
+std::shared_ptr<ColumnInfoScope> scopeOf(const std::string& from, const std::string& outer = "") {
+  std::shared_ptr<ColumnInfoScope> external;
+  if (!outer.empty()) external = buildScope(host(), host(), parseQuery("SELECT 1 FROM " + outer), nullptr);
+  return buildScope(host(), host(), parseQuery("SELECT 1 FROM " + from), external);
 }
+
+std::wstring wide(const std::string& text) { return std::wstring(text.begin(), text.end()); }
 
 std::string pairsText(const AsteriskColumns& pairs) {
   std::string text;
@@ -70,33 +48,40 @@ std::string pairsText(const AsteriskColumns& pairs) {
   return text;
 }
 
-TEST(ScopeTest, ExpandsAsterisks) {
-  const char* cities = "cities.id cities.name cities.population cities.area cities.founded cities.obj";
-  const char* roads = "roads.id roads.name roads.city_id roads.length roads.lanes roads.obj";
-  const struct {
-    const char* from;
-    const char* outer;
-    const wchar_t* table;
-    const char* expected;
-  } cases[] = {
-      {"Cities", "", L"", cities},
-      {"sensors AS S", "", L"", "s.id s.reading s.taken s.active s.note"},
-      {"sensors AS s", "", L"S", "s.id s.reading s.taken s.active s.note"},
-      {"cities JOIN roads USING (id)", "", L"",
-       "cities.id cities.name cities.population cities.area cities.founded cities.obj "
-       "roads.id roads.name roads.city_id roads.length roads.lanes roads.obj"},
-      {"cities, roads", "", L"roads", roads},
-      {"cities, cities", "", L"", cities},  // the same name twice gives its pairs once
-      {"countries AS a, countries AS b", "", L"",
-       "a.code a.name a.population a.obj b.code b.name b.population b.obj"},
-      {"cities", "", L"roads", ""},
-      {"roads", "cities", L"", roads},  // a star stays inside the subquery
-      {"roads", "cities", L"cities", cities},
-      {"(SELECT id, 1 AS one FROM cities) AS d", "", L"", "d.id d.one"},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(pairsText(scopeOf(c.from, c.outer)->columnsForAsterisk(c.table)), c.expected) << c.from;
+std::string resolve(const std::string& input) {
+  const auto parts = fields(input);
+  const auto scope = scopeOf(parts.at(0), parts.at(1));
+  const std::string& name = parts.at(2);
+  const auto dot = name.find('.');
+  if (name.back() == '*') return pairsText(scope->columnsForAsterisk(dot == std::string::npos ? L"" : wide(name.substr(0, dot))));
+  return outcome([&] { return origin(scope->columnInfo(wide(name.substr(0, dot)), wide(name.substr(dot + 1)))); });
+}
+
+std::string tableText(const TableInfo& table) {
+  std::string text;
+  for (std::size_t i = 0; i < table.columnCount(); ++i) {
+    const ColumnInfo column = table.columnByIndex(i);
+    text.append(i ? "\n" : "").append(narrow(column.canonicalName())).append(" ").append(origin(column));
+    text.append(" ").append(typeText(column.type()));
   }
+  return text;
+}
+
+std::string results(const std::string& input) {
+  const auto parts = fields(input);
+  std::shared_ptr<ColumnInfoScope> external;
+  if (parts.size() > 1) external = buildScope(host(), host(), parseQuery("SELECT 1 FROM " + parts[1]), nullptr);
+  const auto query = parseQuery(parts[0]);
+  return outcome([&] { return tableText(*buildTableInfo(host(), host(), query, external)); });
+}
+
+const bool registered = (registerGolden("Names", "scope/names.golden", resolve),
+                         registerGolden("Results", "scope/results.golden", results), true);
+
+TEST(ScopeTest, PlainTableBehindADerivedAlias) {
+  // Only a host can put a plain table behind a derived table's alias; the table keeps its name.
+  const auto plain = buildScope(host(), host(), spec({}, {derived(tp(L"cities"), L"d")}), nullptr);
+  EXPECT_EQ(origin(plain->columnInfo(L"cities", L"id")), "cities.id");
 }
 
 TEST(ScopeTest, KeepsColumnCaseAndRepeatsInsideOneList) {
@@ -169,6 +154,29 @@ TEST(ScopeTest, TableNamesCompareAsFoldedNames) {
     const TableInfoScope scope(ast::TablePrimary{name, L""}, nullptr);
     EXPECT_TRUE(scope.isTableName(name) && scope.isTableName(normalized(name))) << unit;
   }
+}
+
+TEST(ScopeBuilderTest, QueriesWithoutFrom) {
+  // Only a host builds these: the grammar always asks for a FROM.
+  const std::pair<ast::QuerySpecification, const char*> cases[] = {
+      {spec({item(num(L"1")), item(str(L"'a'"))}), "column_1 . Decimal(1,0)\ncolumn_2 . Char(1)"},
+      {spec({item(col(L"id"))}), "UnknownColumnReference .id"},
+      {spec({star()}), ""},
+  };
+  for (const auto& [query, expected] : cases) {
+    EXPECT_EQ(outcome([&] { return tableText(*buildTableInfo(host(), host(), query, nullptr)); }), expected);
+  }
+}
+
+TEST(ScopeBuilderTest, ScopesOfTableReferences) {
+  EXPECT_EQ(buildScope(host(), host(), spec({item(num(L"1"))}), buildScope(host(), host(), spec({}, {tp(L"cities")}), nullptr)),
+            nullptr);
+  // Kinds that are no table reference give no scope, and no report.
+  EXPECT_EQ(buildScopeForTableReference(host(), host(), ast::makeNode<Q>(ast::ExplicitTable{L"cities"}), nullptr), nullptr);
+  const auto derivedScope = buildScopeForTableReference(
+      host(), host(), derived(query({item(col(L"id"))}, {tp(L"cities")}), L"D"), nullptr);
+  ASSERT_NE(derivedScope, nullptr);
+  EXPECT_EQ(origin(derivedScope->columnInfo(L"d", L"ID")), "cities.id");
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// Positions, locations, wide text hand-over, the trace, the lexeme-size limit, random input.
+// Locations, wide text hand-over, the trace, the lexeme-size limit, random input.
 #include "sqllexer/SqlLexer.h"
 
 #include <velmor/sql/Assert.h>
@@ -7,52 +7,11 @@
 #include <gtest/gtest.h>
 
 #include <random>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 
 namespace velmor::sql {
 namespace {
-
-// "LINE:COLUMN" of every token, the final <TERMINATION> included.
-std::string positions(const std::string& input) {
-  std::string out;
-  for (const ScannedToken& token : tokenize(input)) {
-    if (!out.empty()) out += ' ';
-    out += std::to_string(token.line) + ':' + std::to_string(token.column);
-  }
-  return out;
-}
-
-TEST(Positions, LinesColumnsAndTabGrid) {
-  const struct {
-    std::string input;
-    const char* positions;
-  } cases[] = {
-      {"", "1:1"},
-      {"  \n ", "2:2"},
-      {"SELECT a", "1:1 1:8 1:9"},
-      {"a\tb", "1:1 1:5 1:6"},
-      {"abc\tb", "1:1 1:5 1:6"},
-      {"abcd\tb", "1:1 1:9 1:10"},
-      {"\t\tb", "1:9 1:10"},
-      {"a\nb", "1:1 2:1 2:2"},
-      {"a\r\n\r\nb", "1:1 3:1 3:2"},
-      {"a\rb", "1:1 1:3 1:4"},
-      // One column per code point, whatever its length in bytes.
-      {"\xC3\xA9 \xE8\xA1\xA8 \xF0\x9D\x90\x80 x", "1:1 1:3 1:5 1:7 1:8"},
-      // Strings and IS NOT may span lines; the next token is counted from their end.
-      {"'a\nbc' x", "1:1 2:5 2:6"},
-      {"is\n\tnot x", "1:1 2:9 2:10"},
-      // Dropped bytes count too: the BOM, ';' and '#'.
-      {"\xEF\xBB\xBFx", "1:2 1:3"},
-      {";#x", "1:3 1:4"},
-      {"'ab", "1:2 1:4"},
-      // At a NUL, <TERMINATION> stands where the dropped lexeme began.
-      {std::string("ab cd\0e", 7), "1:1 1:4"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(positions(c.input), c.positions) << c.input;
-}
 
 TEST(SqlLexer, LocationsAndSemanticValues) {
   const std::string text = "SELECT [ab]\n 'x\xC3\xA9' 1";

@@ -151,46 +151,34 @@ SampleHost::SampleHost() {
                ColumnInfo(L"active", plain(PlainType::Boolean), L"sensors"),
                ColumnInfo(L"note", varchar(200), L"sensors")}));
 
-  addFunction(L"abs", FunctionKind::Ordinary,
-              {overload(PlainType::Integer, {PlainType::Integer}, sameAs(0)),
-               overload(PlainType::Decimal, {PlainType::Decimal}, sameAs(0)),
-               overload(PlainType::Double, {PlainType::Double}, sameAs(0))});
-  addFunction(L"upper", FunctionKind::Ordinary, {overload(PlainType::VarChar, {PlainType::VarChar}, sameAs(0))});
-  addFunction(L"lower", FunctionKind::Ordinary, {overload(PlainType::VarChar, {PlainType::VarChar}, sameAs(0))});
-  addFunction(L"length", FunctionKind::Ordinary,
-              {overload(PlainType::Integer, {PlainType::VarChar}, returns(PlainType::Integer))});
-  addFunction(L"substr", FunctionKind::Ordinary,
-              {overload(PlainType::VarChar, {PlainType::VarChar, PlainType::Integer}, sameAs(0),
-                        {PlainType::Integer})});
-  addFunction(L"concat", FunctionKind::Ordinary,
-              {overload(PlainType::VarChar, {PlainType::VarChar}, concatenation(), {}, true)});
-  addFunction(L"area", FunctionKind::Ordinary, {overload(PlainType::Double, {geo}, returns(PlainType::Double))});
-  addFunction(L"distance", FunctionKind::Ordinary,
-              {overload(PlainType::Double, {geo, geo}, returns(PlainType::Double))});
-  addFunction(L"buffer", FunctionKind::Ordinary, {overload(geo, {geo, PlainType::Double}, returns(geo))});
-  addFunction(L"now", FunctionKind::Ordinary,
-              {overload(PlainType::Timestamp, {}, returns(PlainType::Timestamp), {}, false,
-                        Determinism::NonDeterministic)});
-  addFunction(L"count", FunctionKind::Aggregate,
-              {overload(PlainType::BigInt, {}, returns(PlainType::BigInt)),
-               overload(PlainType::BigInt, {PlainType::Integer}, returns(PlainType::BigInt)),
-               overload(PlainType::BigInt, {PlainType::VarChar}, returns(PlainType::BigInt)),
-               overload(PlainType::BigInt, {geo}, returns(PlainType::BigInt))});
-  addFunction(L"sum", FunctionKind::Aggregate,
-              {overload(PlainType::BigInt, {PlainType::Integer}, returns(PlainType::BigInt)),
-               overload(PlainType::Decimal, {PlainType::Decimal}, sameAs(0)),
-               overload(PlainType::Double, {PlainType::Double}, returns(PlainType::Double))});
-  addFunction(L"avg", FunctionKind::Aggregate,
-              {overload(PlainType::Double, {PlainType::Double}, returns(PlainType::Double))});
-  for (const wchar_t* name : {L"max", L"min"}) {
-    addFunction(name, FunctionKind::Aggregate,
-                {overload(PlainType::Integer, {PlainType::Integer}, sameAs(0)),
-                 overload(PlainType::Double, {PlainType::Double}, sameAs(0)),
-                 overload(PlainType::VarChar, {PlainType::VarChar}, sameAs(0)),
-                 overload(PlainType::Date, {PlainType::Date}, sameAs(0))});
+  {
+    using enum PlainType;
+    using enum FunctionKind;
+    // Overloads whose result is their one argument's type, and ones that give a plain type.
+    const auto same = [](PlainType t) { return overload(t, {t}, sameAs(0)); };
+    const auto gives = [](PlainType t, std::vector<PlainType> parameters) {
+      return overload(t, std::move(parameters), returns(t));
+    };
+    addFunction(L"abs", Ordinary, {same(Integer), same(Decimal), same(Double)});
+    addFunction(L"upper", Ordinary, {same(VarChar)});
+    addFunction(L"lower", Ordinary, {same(VarChar)});
+    addFunction(L"length", Ordinary, {gives(Integer, {VarChar})});
+    addFunction(L"substr", Ordinary, {overload(VarChar, {VarChar, Integer}, sameAs(0), {Integer})});
+    addFunction(L"concat", Ordinary, {overload(VarChar, {VarChar}, concatenation(), {}, true)});
+    addFunction(L"area", Ordinary, {gives(Double, {geo})});
+    addFunction(L"distance", Ordinary, {gives(Double, {geo, geo})});
+    addFunction(L"buffer", Ordinary, {gives(geo, {geo, Double})});
+    addFunction(L"now", Ordinary,
+                {overload(Timestamp, {}, returns(Timestamp), {}, false, Determinism::NonDeterministic)});
+    addFunction(L"count", Aggregate, {gives(BigInt, {}), gives(BigInt, {Integer}), gives(BigInt, {VarChar}),
+                                      gives(BigInt, {geo})});
+    addFunction(L"sum", Aggregate, {gives(BigInt, {Integer}), same(Decimal), gives(Double, {Double})});
+    addFunction(L"avg", Aggregate, {gives(Double, {Double})});
+    for (const wchar_t* name : {L"max", L"min"}) {
+      addFunction(name, Aggregate, {same(Integer), same(Double), same(VarChar), same(Date)});
+    }
+    addFunction(L"objectinfo", ContextOpaque, {overload(VarChar, {geo, Integer}, returns(varchar(254)))});
   }
-  addFunction(L"objectinfo", FunctionKind::ContextOpaque,
-              {overload(PlainType::VarChar, {geo, PlainType::Integer}, returns(varchar(254)))});
 
   for (const OperationCode code :
        {OperationCode::Plus, OperationCode::Minus, OperationCode::Multiply, OperationCode::Divide}) {

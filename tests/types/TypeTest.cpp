@@ -14,17 +14,6 @@ using namespace velmor::sql;
 using type::PlainType;
 using Types = std::vector<PlainType>;
 
-TEST(Type, PlainTypeNumbersAreFixed) {
-  const std::vector<std::pair<PlainType, int>> numbers = {
-      {PlainType::Contextual, 1}, {PlainType::Fault, 2},     {PlainType::Binary, 3},
-      {PlainType::BinaryLargeObject, 5}, {PlainType::Char, 6}, {PlainType::VarChar, 7},
-      {PlainType::CharLargeObject, 8}, {PlainType::Boolean, 9}, {PlainType::SmallInt, 10},
-      {PlainType::Decimal, 13},   {PlainType::Numeric, 14},  {PlainType::Float, 15},
-      {PlainType::Double, 17},    {PlainType::Time, 18},     {PlainType::Date, 19},
-      {PlainType::Timestamp, 20}, {PlainType::Tuple, 22},    {PlainType::Array, 23}};
-  for (const auto& [plainType, number] : numbers) EXPECT_EQ(static_cast<int>(plainType), number);
-}
-
 TEST(Type, Arity) {
   const auto tuple = std::make_shared<TupleType>(std::vector<std::shared_ptr<Type>>{
       std::make_shared<Type>(PlainType::Integer), nullptr, std::make_shared<LengthType>(PlainType::Char, 3)});
@@ -73,23 +62,6 @@ TEST(Type, ToPlainTypesDropsEmptyPointers) {
                           std::make_shared<LengthType>(PlainType::VarChar, 4), nullptr}),
             (Types{PlainType::Boolean, PlainType::VarChar}));
   EXPECT_TRUE(toPlainTypes({nullptr}).empty());
-}
-
-TEST(Type, ExportedSets) {
-  const std::vector<std::pair<const std::set<PlainType>*, std::vector<int>>> cases = {
-      {&exactNumericTypes, {10, 11, 12, 13, 14}},
-      {&approximateNumericTypes, {15, 16, 17}},
-      {&numericTypes, {10, 11, 12, 13, 14, 15, 16, 17}},
-      {&numericDateTypes, {10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20}},
-      {&characterStringTypes, {6, 7, 8}},
-      {&binaryStringTypes, {3, 4, 5}},
-      {&datetimeTypes, {18, 19, 20}},
-  };
-  for (const auto& [set, members] : cases) {
-    std::vector<int> numbers;
-    for (const PlainType t : *set) numbers.push_back(static_cast<int>(t));
-    EXPECT_EQ(numbers, members);
-  }
 }
 
 OverloadInfo intThenOptionalVarChar(bool variadic) {
@@ -145,9 +117,6 @@ TEST(Overload, ExactMatch) {
   EXPECT_TRUE(equalAny.matches(ints, ast::Quantifier::Any));
   EXPECT_FALSE(equalAny.matches(ints, ast::Quantifier::None));
   EXPECT_FALSE(equalAny.matches({PlainType::Integer}, ast::Quantifier::Any));
-  EXPECT_FALSE(plus.mVariadic);
-  EXPECT_TRUE(plus.mOptionalParameters.empty());
-  EXPECT_EQ(static_cast<int>(plus.mDeterminism), 0);
 }
 
 TEST(Overload, CalcFullType) {

@@ -5,6 +5,7 @@
 #include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/validation/SemanticErrors.h>
 
+#include "scope/Describe.h"
 #include "support/SampleHost.h"
 
 #include <memory>
@@ -27,37 +28,25 @@ Record parseAs(const std::string& text) {
   return ast::getNodeValue<Record>(parse(text));
 }
 
-inline std::string narrow(const std::wstring& text) { return std::string(text.begin(), text.end()); }
-
-/// "Name(fields)" for the faults the library raises, the number otherwise.
-inline std::string describe(const SqlError& error) {
-  const auto names = [](const std::wstring& table, const std::wstring& column) {
-    return "(" + narrow(table) + "." + narrow(column) + ")";
-  };
-  if (auto* e = dynamic_cast<const NonExistentTable*>(&error)) return "NonExistentTable(" + narrow(e->tableName) + ")";
-  if (auto* e = dynamic_cast<const UnknownTableReference*>(&error))
-    return "UnknownTableReference(" + narrow(e->tableName) + ")";
-  if (auto* e = dynamic_cast<const AmbiguousTablesReference*>(&error))
-    return "AmbiguousTablesReference(" + narrow(e->tableName) + ")";
-  if (auto* e = dynamic_cast<const UnknownColumnReference*>(&error))
-    return "UnknownColumnReference" + names(e->tableName, e->columnName);
-  if (auto* e = dynamic_cast<const AmbiguousColumnReference*>(&error))
-    return "AmbiguousColumnReference" + names(e->tableName, e->columnName);
-  if (auto* e = dynamic_cast<const UnknownFunction*>(&error)) return "UnknownFunction(" + narrow(e->functionName) + ")";
-  if (auto* e = dynamic_cast<const NoGoodOperatorOverload*>(&error))
-    return "NoGoodOperatorOverload(" + std::to_string(static_cast<int>(e->operation)) + ")";
-  if (auto* e = dynamic_cast<const OperatorNotSupported*>(&error))
-    return "OperatorNotSupported(" + std::to_string(static_cast<int>(e->operation)) + ")";
-  if (dynamic_cast<const AggregateInWhereClause*>(&error)) return "AggregateInWhereClause";
-  if (dynamic_cast<const ContextQuery*>(&error)) return "ContextQuery";
-  return "type " + std::to_string(static_cast<int>(error.type()));
-}
-
 inline std::vector<std::string> describe(const std::vector<std::shared_ptr<SqlError>>& errors) {
   std::vector<std::string> out;
-  for (const auto& error : errors) out.push_back(describe(*error));
+  for (const auto& error : errors) out.push_back(test::faultText(*error));
   return out;
 }
+
+/// The sample host, counting its function and table lookups.
+class CountingHost : public sample::SampleHost {
+public:
+  std::shared_ptr<FunctionInfo> function(const std::wstring& name) const override {
+    ++mLookups;
+    return SampleHost::function(name);
+  }
+  std::shared_ptr<TableInfo> table(const std::wstring& name) const override {
+    ++mLookups;
+    return SampleHost::table(name);
+  }
+  mutable int mLookups = 0;
+};
 
 /// The sample host with CAST between integer and varchar, and IN over a query.
 inline sample::SampleHost testHost() {

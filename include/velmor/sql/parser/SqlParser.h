@@ -11,6 +11,8 @@
 
 namespace velmor::sql {
 
+class SqlParserPrivate;
+
 /// The host's side of a parse. The grammar asks it nothing yet; it is kept so that a host can
 /// hand its catalogue to later stages through the same object.
 class VELMOR_SQL_API ParseContext {
@@ -28,6 +30,14 @@ public:
   SqlParser(const SqlParser&) = delete;
   SqlParser& operator=(const SqlParser&) = delete;
 
+  /// The nesting limit. A text fails, with one UnexpectedLexeme "syntax error, nesting too
+  /// deep (limit 10000)" at the token read last when the limit was crossed, if its tree would
+  /// be more than this many nodes deep (a single leaf is 1, `a + b` is 2, `(a)` is 1 as well)
+  /// or if more than this many '(' are open at once. Flat lists (select lists, IN lists, VALUES
+  /// rows, function arguments) add no depth, however long. The later stages and the release of
+  /// a tree walk it recursively; within this limit they fit a thread's default 8 MiB stack.
+  static constexpr int maxNestingDepth = 10000;
+
   /// Parses the whole `text` as one statement or one expression. True when `result` holds a
   /// tree afterwards; otherwise `errors` holds one UnexpectedLexeme and `result` is a node of
   /// EmptyNode. Never throws for a bad text; std::bad_alloc and the scanner's lexeme-size
@@ -44,6 +54,10 @@ public:
   std::vector<std::shared_ptr<SqlError>> errors;
   /// Writes each token to std::cerr during parse. Off after construction.
   bool debugTrace = false;
+
+private:
+  // The automaton, made by the first parse and kept, with its stack, for the next ones.
+  std::unique_ptr<SqlParserPrivate> mAutomaton;
 };
 
 } // namespace velmor::sql

@@ -1,5 +1,5 @@
 // A host catalogue for the benchmark corpus: its twelve GIS-register tables (and wide_rows), the
-// functions and operators its statements use. Header-only, so that benchmarks can use it too.
+// functions and operators its statements use.
 #pragma once
 
 #include <velmor/sql/types/Routine.h>
