@@ -323,6 +323,12 @@ struct IsExpressionKind : std::false_type {};
   template <>                                                                                      \
   struct IsExpressionKind<Name> : std::bool_constant<isExpr> {};
 #include <velmor/sql/ast/Records.def>
+
+// Releasing a deep tree through nested destructors would overflow the stack, so a dying node
+// hands the children it alone owns to a per-thread work list instead, which the outermost
+// release drains one node at a time. Leaves and shared children cost no more than before.
+#define VELMOR_SQL_RECORD(Name, isExpr) VELMOR_SQL_API void releaseChildren(Name& record) noexcept;
+#include <velmor/sql/ast/Records.def>
 } // namespace detail
 
 /// The node of one record kind, holding the record by value.
@@ -333,6 +339,8 @@ class VELMOR_SQL_API NodeImpl final : public NodeInterface {
 public:
   explicit NodeImpl(const T& value) : mValue(value) {}
   explicit NodeImpl(T&& value) : mValue(std::move(value)) {}
+  /// Releases the subtree without recursion, however deep it is.
+  ~NodeImpl() override { detail::releaseChildren(mValue); }
   bool isNull() const override { return false; }
   void accept(NodeVisitor& visitor) const override { visitor.visit(mValue); }
   bool isExpression() const override { return detail::IsExpressionKind<T>::value; }

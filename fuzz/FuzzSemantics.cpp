@@ -1,0 +1,91 @@
+// Parsed statements against the tool's built-in catalogue: validation, result tables, the type
+// of every select item and of WHERE, and renaming. Faults are exceptions of documented kinds;
+// nothing else may escape, crash or leak.
+#include "FuzzSupport.h"
+
+#include "Catalogue.h"
+
+#include <velmor/sql/ast/Traversal.h>
+#include <velmor/sql/builder/RenameTableBuilder.h>
+#include <velmor/sql/inference/TypeInferer.h>
+#include <velmor/sql/parser/SqlParser.h>
+#include <velmor/sql/scope/ScopeBuilder.h>
+#include <velmor/sql/validation/Validator.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+
+using namespace velmor::sql;
+
+namespace {
+
+// Runs one stage; the documented ways out of a stage end it quietly.
+template <class Stage>
+void guarded(Stage&& stage) {
+  try {
+    stage();
+  } catch (const SqlError&) {
+  } catch (const ast::BadNodeTypeException&) {
+    // A CAST size that is no number.
+  } catch (const std::out_of_range&) {
+    // A CAST size too large to read.
+  } catch (const std::invalid_argument&) {
+  }
+}
+
+void query(const velmor::cli::Catalogue& host, const ast::QuerySpecification& spec) {
+  guarded([&] {
+    Validator validator(host, host);
+    const bool valid = validator.validate(spec);
+    VELMOR_FUZZ_CHECK(valid == validator.errors().empty(), "validate answers by its list");
+    for (const auto& error : validator.errors()) VELMOR_FUZZ_CHECK(error != nullptr, "no empty faults");
+  });
+  guarded([&] {
+    const auto table = buildTableInfo(host, host, spec, nullptr);
+    VELMOR_FUZZ_CHECK(table != nullptr, "a result table");
+    for (std::size_t i = 0; i < table->columnCount(); ++i) (void)table->columnByIndex(i).canonicalName();
+  });
+  guarded([&] {
+    const auto scope = buildScope(host, host, spec, nullptr);
+    if (!scope) return;
+    for (const ast::Node& item : spec.selectList) guarded([&] { TypeInferer(host, *scope).inferNodeType(item); });
+    if (!spec.where.isNull()) guarded([&] { TypeInferer(host, *scope).inferType(spec.where); });
+  });
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  fuzz::setLocale();
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const auto host = velmor::cli::Catalogue::builtin();
+  const ParseContext context;
+  SqlParser parser(context);
+  try {
+    if (!parser.parse(fuzz::text(data, size))) return 0;
+  } catch (const std::runtime_error&) {
+    return 0; // a lexeme longer than the scanner's window
+  }
+  const ast::Node& tree = parser.result;
+  ast::visitSingle<ast::QuerySpecification>(tree, [&](const ast::QuerySpecification& spec) { query(*host, spec); }, 0);
+  ast::visitSingle<ast::UpdateStatement>(tree, [&](const ast::UpdateStatement& update) {
+    guarded([&] {
+      Validator validator(*host, *host);
+      (void)validator.validate(update);
+    });
+  }, 0);
+  // Typing a whole expression without a scope: column references fail, the rest is typed.
+  if (tree.isExpression()) {
+    const ScopeTypeContext noColumns;
+    guarded([&] { TypeInferer(*host, noColumns).inferNodeType(tree); });
+  }
+  for (const auto& names : {std::pair{L"cities", L"towns"}, std::pair{L"", L"x"}}) {
+    // Throws std::out_of_range, as documented, for ROW().
+    guarded([&] { (void)RenameTableBuilder(nullptr, names.first, names.second).buildString(tree); });
+  }
+  return 0;
+}
