@@ -34,23 +34,23 @@ void guarded(Stage&& stage) {
   }
 }
 
-void query(const velmor::cli::Catalogue& host, const ast::QuerySpecification& spec) {
+void query(const velmor::cli::Catalogue& host, const ast::QuerySpecification& statement) {
   guarded([&] {
     Validator validator(host, host);
-    const bool valid = validator.validate(spec);
+    const bool valid = validator.validate(statement);
     VELMOR_FUZZ_CHECK(valid == validator.errors().empty(), "validate answers by its list");
     for (const auto& error : validator.errors()) VELMOR_FUZZ_CHECK(error != nullptr, "no empty faults");
   });
   guarded([&] {
-    const auto table = buildTableInfo(host, host, spec, nullptr);
+    const auto table = buildTableInfo(host, host, statement, nullptr);
     VELMOR_FUZZ_CHECK(table != nullptr, "a result table");
     for (std::size_t i = 0; i < table->columnCount(); ++i) (void)table->columnByIndex(i).canonicalName();
   });
   guarded([&] {
-    const auto scope = buildScope(host, host, spec, nullptr);
+    const auto scope = buildScope(host, host, statement, nullptr);
     if (!scope) return;
-    for (const ast::Node& item : spec.selectList) guarded([&] { TypeInferer(host, *scope).inferNodeType(item); });
-    if (!spec.where.isNull()) guarded([&] { TypeInferer(host, *scope).inferType(spec.where); });
+    for (const ast::Node& item : statement.selectList) guarded([&] { TypeInferer(host, *scope).inferNodeType(item); });
+    if (!statement.where.isNull()) guarded([&] { TypeInferer(host, *scope).inferType(statement.where); });
   });
 }
 
@@ -71,7 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0; // a lexeme longer than the scanner's window
   }
   const ast::Node& tree = parser.result;
-  ast::visitSingle<ast::QuerySpecification>(tree, [&](const ast::QuerySpecification& spec) { query(*host, spec); }, 0);
+  ast::visitSingle<ast::QuerySpecification>(tree, [&](const ast::QuerySpecification& statement) { query(*host, statement); }, 0);
   ast::visitSingle<ast::UpdateStatement>(tree, [&](const ast::UpdateStatement& update) {
     guarded([&] {
       Validator validator(*host, *host);
