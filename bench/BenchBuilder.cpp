@@ -2,7 +2,7 @@
 // in bytes of UTF-8 output per second. Run with --benchmark_repetitions=5 and read the median.
 #include <velmor/sql/builder/SqlStringBuilder.h>
 
-#include "../cli/DefaultContext.h"
+#include <velmor/sql/host/Precedence.h>
 
 #include <benchmark/benchmark.h>
 
@@ -63,7 +63,7 @@ const std::vector<ast::Node>& corpusTrees() {
 }
 
 void BM_FormatCorpus(benchmark::State& state) {
-  static const velmor::cli::DefaultStringBuildContext context;
+  static const velmor::sql::host::GrammarPrecedence context;
   formatAll(state, corpusTrees(), &context);
 }
 BENCHMARK(BM_FormatCorpus)->Unit(benchmark::kMillisecond);
@@ -104,7 +104,7 @@ ast::Node syntheticStatement() {
 }
 
 void BM_FormatSynthetic(benchmark::State& state) {
-  static const velmor::cli::DefaultStringBuildContext context;
+  static const velmor::sql::host::GrammarPrecedence context;
   const std::vector<ast::Node> trees(1000, syntheticStatement());
   formatAll(state, trees, &context);
 }

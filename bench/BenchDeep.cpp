@@ -1,6 +1,6 @@
 // Cost of deep and long texts by size: parse, canonical text, validation and release should
 // all grow about linearly (the reported complexity is the fit over the sizes).
-#include "../cli/DefaultContext.h"
+#include <velmor/sql/host/Precedence.h>
 #include "support/SampleHost.h"
 
 #include <velmor/sql/ast/Traversal.h>
@@ -56,7 +56,7 @@ void BM_Shape(benchmark::State& state) {
       break;
     }
     if constexpr (S == Format || S == FormatBare) {
-      static const velmor::cli::DefaultStringBuildContext precedence;
+      static const velmor::sql::host::GrammarPrecedence precedence;
       SqlStringBuilder builder(S == Format ? &precedence : nullptr);
       benchmark::DoNotOptimize(builder.buildString(parser.result));
     } else if constexpr (S == Validate) {

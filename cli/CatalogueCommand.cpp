@@ -3,6 +3,8 @@
 #include "Commands.h"
 #include "Input.h"
 
+#include <velmor/sql/host/CatalogueFile.h>
+
 #include <iostream>
 #include <string>
 #include <vector>
@@ -25,7 +27,7 @@ int runCatalogue(const std::vector<std::string>& args) {
     return exitUsage;
   }
   if (!fileGiven) {
-    const std::string_view text = defaultCatalogueText();
+    const std::string_view text = sql::host::gisSampleCatalogueText();
     std::cout.write(text.data(), static_cast<std::streamsize>(text.size()));
   } else {
     std::cout << "ok: " << catalogue->tableCount() << " tables, " << catalogue->functionCount()

@@ -2,7 +2,7 @@
 #include "Catalogue.h"
 #include "Commands.h"
 #include "Input.h"
-#include "TypePrinter.h"
+#include <velmor/sql/host/TypeNames.h>
 
 #include <velmor/sql/ast/EnumNames.h>
 #include <velmor/sql/ast/Traversal.h>
@@ -14,6 +14,8 @@
 #include <vector>
 
 namespace velmor::cli {
+
+using namespace sql::host; // type names and UTF-8
 namespace {
 
 class NoParseContext : public sql::ParseContext {};

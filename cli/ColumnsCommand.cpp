@@ -2,8 +2,8 @@
 #include "Catalogue.h"
 #include "Commands.h"
 #include "Input.h"
-#include "TypePrinter.h"
-#include "Utf8.h"
+#include <velmor/sql/host/TypeNames.h>
+#include <velmor/sql/host/Utf8.h>
 
 #include <velmor/sql/ast/EnumNames.h>
 #include <velmor/sql/ast/Traversal.h>
@@ -17,6 +17,8 @@
 #include <vector>
 
 namespace velmor::cli {
+
+using namespace sql::host; // type names and UTF-8
 namespace {
 
 class NoParseContext : public sql::ParseContext {};

@@ -1,15 +1,15 @@
 // velmor-sql format and rename: a statement written back as canonical SQL.
 
+#include "Catalogue.h"
 #include "Commands.h"
-#include "DefaultContext.h"
 #include "Input.h"
-#include "Utf8.h"
+
+#include <velmor/sql/host/Utf8.h>
 
 #include <velmor/sql/builder/RenameTableBuilder.h>
 #include <velmor/sql/builder/SqlStringBuilder.h>
 #include <velmor/sql/parser/SqlParser.h>
 
-#include <cstdint>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -18,39 +18,10 @@
 namespace velmor::cli {
 namespace {
 
-class NoParseContext : public sql::ParseContext {};
+using sql::host::fromUtf8;
+using sql::host::toUtf8;
 
-// Names on the command line are UTF-8; the library's names are UTF-16 units.
-std::wstring fromUtf8(const std::string& bytes) {
-  std::wstring units;
-  units.reserve(bytes.size());
-  for (std::size_t i = 0; i < bytes.size();) {
-    const auto lead = static_cast<unsigned char>(bytes[i]);
-    std::uint32_t code = lead;
-    std::size_t length = 1;
-    if (lead >= 0xF0) {
-      code = lead & 0x07u;
-      length = 4;
-    } else if (lead >= 0xE0) {
-      code = lead & 0x0Fu;
-      length = 3;
-    } else if (lead >= 0xC0) {
-      code = lead & 0x1Fu;
-      length = 2;
-    }
-    for (std::size_t k = 1; k < length && i + k < bytes.size(); ++k)
-      code = (code << 6) | (static_cast<unsigned char>(bytes[i + k]) & 0x3Fu);
-    i += length;
-    if (code >= 0x10000) {
-      code -= 0x10000;
-      units += static_cast<wchar_t>(0xD800 + (code >> 10));
-      units += static_cast<wchar_t>(0xDC00 + (code & 0x3FF));
-    } else {
-      units += static_cast<wchar_t>(code);
-    }
-  }
-  return units;
-}
+class NoParseContext : public sql::ParseContext {};
 
 // Parses the text and writes it with `builder`; syntax errors go to stderr, one per line.
 // A tree the writer cannot write (a row of no values) fails the same way, with its reason.

@@ -1,7 +1,7 @@
 // The JSON form of a tree, one visitor slot per record kind of Records.def.
 #include "JsonTree.h"
 
-#include "Utf8.h"
+#include <velmor/sql/host/Utf8.h>
 
 #include <velmor/sql/ast/EnumNames.h>
 
@@ -9,6 +9,8 @@
 #include <vector>
 
 namespace velmor::cli {
+
+using namespace sql::host; // type names and UTF-8
 namespace {
 
 using Json = nlohmann::ordered_json;

@@ -1,7 +1,7 @@
 // velmor-sql tokens: the scanner's view of a text, one token per line.
 #include "Commands.h"
 #include "Input.h"
-#include "Utf8.h"
+#include <velmor/sql/host/Utf8.h>
 
 #include <velmor/sql/sqllexer/Tokens.h>
 
@@ -9,6 +9,8 @@
 #include <stdexcept>
 
 namespace velmor::cli {
+
+using namespace sql::host; // type names and UTF-8
 
 int runTokens(const std::vector<std::string>& args) {
   if (auto status = handleOptions("tokens", args)) return *status;

@@ -5,7 +5,7 @@
 // so the text must reach a fixed point within a few steps rather than at once.
 #include "FuzzSupport.h"
 
-#include "DefaultContext.h"
+#include <velmor/sql/host/Precedence.h>
 
 #include <velmor/sql/builder/SqlStringBuilder.h>
 #include <velmor/sql/parser/SqlParser.h>
@@ -77,7 +77,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const velmor::cli::DefaultStringBuildContext defaultContext;
+  static const velmor::sql::host::GrammarPrecedence defaultContext;
   try {
     for (const StringBuildContext* context : {static_cast<const StringBuildContext*>(&defaultContext),
                                               static_cast<const StringBuildContext*>(nullptr)}) {

@@ -1,6 +1,6 @@
 // The SQL writer on trees built by hand: forms the parser cannot make, the parenthesis rules
 // one by one, the diagnostics of out-of-range values, and a host's derived builder.
-#include "../../cli/DefaultContext.h"
+#include <velmor/sql/host/Precedence.h>
 
 #include <velmor/sql/Assert.h>
 #include <velmor/sql/builder/RenameTableBuilder.h>
@@ -53,7 +53,7 @@ QueryExpressionNode setOp(QueryOperationCode code, QueryExpressionNode left, Que
 }
 
 // A context whose custom operator 51 is "<->" and ranks with the comparisons.
-class HostContext : public velmor::cli::DefaultStringBuildContext {
+class HostContext : public velmor::sql::host::GrammarPrecedence {
 public:
   std::wstring operatorToString(OperationCode code) const override {
     return static_cast<int>(code) == 51 ? L"<->" : L"?";
@@ -61,7 +61,7 @@ public:
 
 protected:
   int precedenceLevel(OperationCode code) const override {
-    return static_cast<int>(code) == 51 ? 5 : DefaultStringBuildContext::precedenceLevel(code);
+    return static_cast<int>(code) == 51 ? 5 : GrammarPrecedence::precedenceLevel(code);
   }
 };
 
@@ -133,7 +133,7 @@ std::vector<TreeCase> treeCases() {
 }
 
 TEST(BuildTreesTest, WritesEachFormWithAndWithoutContext) {
-  const velmor::cli::DefaultStringBuildContext defaultContext;
+  const velmor::sql::host::GrammarPrecedence defaultContext;
   const HostContext hostContext;
   for (auto& c : treeCases()) {
     SqlStringBuilder withContext(&hostContext);

@@ -7,7 +7,7 @@
 //   = text with the tool's default context
 //   - text without a context, when it differs from the "=" line
 // Set VELMOR_REWRITE_GOLDEN=1 to rewrite the expectations from the current output.
-#include "../../cli/DefaultContext.h"
+#include <velmor/sql/host/Precedence.h>
 
 #include <velmor/sql/builder/RenameTableBuilder.h>
 #include <velmor/sql/builder/SqlStringBuilder.h>
@@ -138,7 +138,7 @@ struct Entry {
 };
 
 std::string format(const ast::Node& tree, const Entry& entry, bool useContext) {
-  static const cli::DefaultStringBuildContext context;
+  static const velmor::sql::host::GrammarPrecedence context;
   const StringBuildContext* ctx = useContext ? &context : nullptr;
   if (entry.rename) {
     RenameTableBuilder builder(ctx, fromUtf8(entry.oldName), fromUtf8(entry.newName));

@@ -1,19 +1,9 @@
-// The precedence the tool writes SQL with when no catalogue says otherwise: the grammar's order.
-#pragma once
+// The grammar's precedence levels, and the context that writes SQL by them.
+#include <velmor/sql/host/Precedence.h>
 
-#include <velmor/sql/builder/SqlStringBuilder.h>
+namespace velmor::sql::host {
 
-#include <memory>
-#include <string>
-#include <vector>
-
-namespace velmor::cli {
-
-using sql::OperationCode;
-
-/// Binding strength of a built-in operator, 1 (OR) to 16 (EXISTS, UNIQUE, CASE, CAST); 0 for
-/// the invalid code and for custom operators, which a catalogue may rank instead.
-constexpr int defaultPrecedenceLevel(OperationCode code) {
+int grammarPrecedenceLevel(OperationCode code) {
   switch (code) {
   case OperationCode::Invalid: return 0;
   case OperationCode::Or: return 1;
@@ -70,25 +60,12 @@ constexpr int defaultPrecedenceLevel(OperationCode code) {
   return 0;
 }
 
-/// The tool's default StringBuildContext: the grammar's levels, and no custom operators (their
-/// text is "UNKNOWN_OPERATOR"). Stateless, so one instance may serve any number of builders.
-class DefaultStringBuildContext : public sql::StringBuildContext {
-public:
-  int comparePrecedence(OperationCode inner, OperationCode outer) const override {
-    return precedenceLevel(inner) - precedenceLevel(outer);
-  }
-  std::wstring operatorToString(OperationCode) const override { return L"UNKNOWN_OPERATOR"; }
+int GrammarPrecedence::comparePrecedence(OperationCode inner, OperationCode outer) const {
+  return precedenceLevel(inner) - precedenceLevel(outer);
+}
 
-protected:
-  /// A catalogue-driven context overrides this to rank custom operators or change the order.
-  virtual int precedenceLevel(OperationCode code) const { return defaultPrecedenceLevel(code); }
-};
+std::wstring GrammarPrecedence::operatorToString(OperationCode) const { return L"UNKNOWN_OPERATOR"; }
 
-/// The context of format and rename: with "--catalog FILE" among the leading `args` (taken out
-/// of them), that catalogue's levels and custom operator texts, the defaults where it has none;
-/// otherwise the defaults. Empty after a bad catalogue, whose message is then on standard error
-/// (the command exits with status 2). Defined with the catalogue (Catalogue.cpp).
-std::unique_ptr<DefaultStringBuildContext> takeStringBuildContext(const char* command,
-                                                                  std::vector<std::string>& args);
+int GrammarPrecedence::precedenceLevel(OperationCode code) const { return grammarPrecedenceLevel(code); }
 
-} // namespace velmor::cli
+} // namespace velmor::sql::host

@@ -1,16 +1,16 @@
-// Type names of the tool.
-#include "TypePrinter.h"
+// Type names for people, and faults as one line each.
+#include <velmor/sql/host/TypeNames.h>
 
-#include "Utf8.h"
+#include <velmor/sql/host/Utf8.h>
 
 #include <velmor/sql/ast/EnumNames.h>
 #include <velmor/sql/validation/SemanticErrors.h>
 
 #include <cctype>
 
-namespace velmor::cli {
+namespace velmor::sql::host {
 
-using sql::type::PlainType;
+using type::PlainType;
 
 namespace {
 
@@ -75,10 +75,10 @@ std::optional<PlainType> plainTypeFromName(std::string_view name) {
   return std::nullopt;
 }
 
-std::string typeText(const std::shared_ptr<sql::Type>& type) {
+std::string typeText(const std::shared_ptr<Type>& type) {
   if (!type) return "none";
   std::string text = plainTypeName(type->plainType());
-  if (const auto* tuple = dynamic_cast<const sql::TupleType*>(type.get())) {
+  if (const auto* tuple = dynamic_cast<const TupleType*>(type.get())) {
     text += '(';
     const char* separator = "";
     for (const auto& field : tuple->types()) {
@@ -87,17 +87,17 @@ std::string typeText(const std::shared_ptr<sql::Type>& type) {
       separator = ", ";
     }
     text += ')';
-  } else if (const auto* array = dynamic_cast<const sql::ArrayType*>(type.get())) {
+  } else if (const auto* array = dynamic_cast<const ArrayType*>(type.get())) {
     text += '(' + typeText(array->elementType()) + ')';
-  } else if (const auto* sized = dynamic_cast<const sql::LengthType*>(type.get())) {
+  } else if (const auto* sized = dynamic_cast<const LengthType*>(type.get())) {
     text += '(' + std::to_string(sized->length()) + ')';
-  } else if (const auto* exact = dynamic_cast<const sql::PrecisionScaleType*>(type.get())) {
+  } else if (const auto* exact = dynamic_cast<const PrecisionScaleType*>(type.get())) {
     text += '(' + std::to_string(exact->precision()) + ',' + std::to_string(exact->scale()) + ')';
   }
   return text;
 }
 
-std::string typesText(const std::vector<std::shared_ptr<sql::Type>>& types) {
+std::string typesText(const std::vector<std::shared_ptr<Type>>& types) {
   std::string text = "[";
   const char* separator = "";
   for (const auto& type : types) {
@@ -130,17 +130,17 @@ std::string plainTypesText(const std::vector<PlainType>& types) {
   return text;
 }
 
-std::string operationName(sql::OperationCode code) {
-  const char* name = sql::ast::enumName(code);
+std::string operationName(OperationCode code) {
+  const char* name = ast::enumName(code);
   return name ? name : std::to_string(static_cast<int>(code));
 }
 
 // "(VarChar, Decimal[, Decimal]) -> VarChar", "(Integer...) -> BigInt", "ALL (Integer, Array) -> Boolean".
-std::string signature(const sql::OverloadInfo& overload) {
+std::string signature(const OverloadInfo& overload) {
   std::string text;
-  if (const auto* op = dynamic_cast<const sql::OperatorOverloadInfo*>(&overload)) {
-    if (op->mQuantifier == sql::ast::Quantifier::All) text.append("ALL ");
-    if (op->mQuantifier == sql::ast::Quantifier::Any) text.append("ANY ");
+  if (const auto* op = dynamic_cast<const OperatorOverloadInfo*>(&overload)) {
+    if (op->mQuantifier == ast::Quantifier::All) text.append("ALL ");
+    if (op->mQuantifier == ast::Quantifier::Any) text.append("ANY ");
   }
   text.append("(").append(plainTypesText(overload.mParameters));
   if (!overload.mOptionalParameters.empty()) {
@@ -174,8 +174,8 @@ std::string setText(const std::set<PlainType>& types) {
 }
 
 // The fields of the classes that carry data, in their declared order.
-std::string fieldsOf(const sql::SqlError& error) {
-  using namespace sql;
+std::string fieldsOf(const SqlError& error) {
+
   std::string f;
   auto add = [&f](const char* name, const std::string& value) { f += std::string(" ") + name + "=" + value; };
   if (const auto* e = dynamic_cast<const NonExistentTable*>(&error)) add("tableName", quoted(e->tableName));
@@ -261,12 +261,12 @@ std::string fieldsOf(const sql::SqlError& error) {
   return f;
 }
 
-const char* className(const sql::SqlError& error) {
-  using sql::SqlErrorType;
+const char* className(const SqlError& error) {
+
   switch (error.type()) {
   case SqlErrorType::Undefined:
-    if (dynamic_cast<const sql::WhereClauseExpressionNotBool*>(&error)) return "WhereClauseExpressionNotBool";
-    if (dynamic_cast<const sql::HavingClauseExpressionNotBool*>(&error)) return "HavingClauseExpressionNotBool";
+    if (dynamic_cast<const WhereClauseExpressionNotBool*>(&error)) return "WhereClauseExpressionNotBool";
+    if (dynamic_cast<const HavingClauseExpressionNotBool*>(&error)) return "HavingClauseExpressionNotBool";
     return "SqlError";
   case SqlErrorType::UnknownLexeme: return "UnknownLexeme";
   case SqlErrorType::UnexpectedLexeme: return "UnexpectedLexeme";
@@ -306,8 +306,8 @@ const char* className(const sql::SqlError& error) {
 
 } // namespace
 
-std::string errorLine(const sql::SqlError& error) {
+std::string errorLine(const SqlError& error) {
   return std::to_string(static_cast<int>(error.type())) + ' ' + className(error) + fieldsOf(error);
 }
 
-} // namespace velmor::cli
+} // namespace velmor::sql::host

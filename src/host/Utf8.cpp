@@ -1,7 +1,9 @@
-// UTF-16 to UTF-8, written out by hand so that no locale is involved.
-#include "Utf8.h"
+// UTF-16 to UTF-8 and back, written out by hand so that no locale is involved.
+#include <velmor/sql/host/Utf8.h>
 
-namespace velmor::cli {
+#include <cstdint>
+
+namespace velmor::sql::host {
 
 namespace {
 
@@ -48,4 +50,43 @@ std::string toUtf8(const std::wstring& units) {
   return out;
 }
 
-} // namespace velmor::cli
+std::wstring fromUtf8(std::string_view bytes) {
+  std::wstring units;
+  units.reserve(bytes.size());
+  for (std::size_t i = 0; i < bytes.size();) {
+    const auto lead = static_cast<unsigned char>(bytes[i]);
+    std::uint32_t code = lead;
+    std::size_t length = 1;
+    if (lead >= 0xF0 && lead < 0xF8) {
+      code = lead & 0x07u;
+      length = 4;
+    } else if (lead >= 0xE0 && lead < 0xF0) {
+      code = lead & 0x0Fu;
+      length = 3;
+    } else if (lead >= 0xC0 && lead < 0xE0) {
+      code = lead & 0x1Fu;
+      length = 2;
+    }
+    bool valid = i + length <= bytes.size();
+    for (std::size_t k = 1; valid && k < length; ++k) {
+      const auto next = static_cast<unsigned char>(bytes[i + k]);
+      valid = (next & 0xC0u) == 0x80u;
+      code = (code << 6) | (next & 0x3Fu);
+    }
+    if (!valid) {
+      code = lead;
+      length = 1;
+    }
+    i += length;
+    if (code >= 0x10000) {
+      code -= 0x10000;
+      units += static_cast<wchar_t>(0xD800 + (code >> 10));
+      units += static_cast<wchar_t>(0xDC00 + (code & 0x3FF));
+    } else {
+      units += static_cast<wchar_t>(code);
+    }
+  }
+  return units;
+}
+
+} // namespace velmor::sql::host
