@@ -165,9 +165,6 @@ Result Result::widest() {
   return r;
 }
 
-Column::Column(std::wstring name, std::string typeText) : names{std::move(name)}, type(std::move(typeText)) {}
-Column::Column(std::vector<std::wstring> columnNames, std::string typeText)
-    : names(std::move(columnNames)), type(std::move(typeText)) {}
 
 // ---- Catalogue --------------------------------------------------------------------------------
 
@@ -259,12 +256,14 @@ void Catalogue::addTable(const std::wstring& name, const std::vector<Column>& co
   std::vector<ColumnInfo> list;
   std::set<std::wstring> seen;
   for (const Column& column : columns) {
-    if (column.names.empty()) throw CatalogueError("a column needs at least one name");
-    for (const auto& columnName : column.names) {
+    std::vector<std::wstring> names{column.name};
+    names.insert(names.end(), column.otherNames.begin(), column.otherNames.end());
+    for (const auto& columnName : names) {
+      if (columnName.empty()) throw CatalogueError("a column name must not be empty");
       if (!seen.insert(normalized(columnName)).second)
         throw CatalogueError("the table has a column of this name already");
     }
-    list.emplace_back(column.names, typeOf(column.type), column.names.front(), name);
+    list.emplace_back(std::move(names), typeOf(column.type), column.name, name);
   }
   addTable(name, std::move(list));
 }

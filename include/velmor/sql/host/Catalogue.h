@@ -77,12 +77,12 @@ struct VELMOR_SQL_HOST_API OperatorSignature {
   std::vector<std::string> tail = {};
 };
 
-/// A column in words: one or more names and a type text ("VarChar(40)", a host type name).
-struct VELMOR_SQL_HOST_API Column {
-  Column(std::wstring name, std::string typeText);
-  Column(std::vector<std::wstring> names, std::string typeText);
-  std::vector<std::wstring> names;
+/// A column in words: its name, a type text ("VarChar(40)", a host type name) and perhaps further
+/// names that find it too.
+struct Column {
+  std::wstring name;
   std::string type;
+  std::vector<std::wstring> otherNames = {};
 };
 
 /// An in-memory host catalogue: tables, type names, functions, operators, conversions, ranking

@@ -1,0 +1,150 @@
+// The host kit: a catalogue built through its C++ API with the standard SQL set answers the
+// library as a host would (golden file host/standard.golden), its faults name what is wrong,
+// and the UTF-8 helpers keep every unit.
+#include "support/Golden.h"
+
+#include <velmor/sql/builder/SqlStringBuilder.h>
+#include <velmor/sql/host/Catalogue.h>
+#include <velmor/sql/host/CatalogueFile.h>
+#include <velmor/sql/host/TypeNames.h>
+#include <velmor/sql/host/Utf8.h>
+#include <velmor/sql/parser/SqlParser.h>
+#include <velmor/sql/scope/ScopeBuilder.h>
+#include <velmor/sql/validation/Validator.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace velmor::sql::test {
+namespace {
+
+using host::Catalogue;
+using host::CatalogueError;
+using host::Result;
+using type::PlainType;
+
+const Catalogue& standard() {
+  static const auto instance = [] {
+    auto c = std::make_unique<Catalogue>();
+    c->addStandardSql();
+    c->addTable(L"parcels", {{L"id", "Integer"}, {L"area", "Decimal(12,2)"}, {L"owner", "VarChar(40)"},
+                             {L"shape", "Geometry", {L"geom"}}, {L"since", "Date"}});
+    c->addTable(L"roads", {{L"id", "BigInt"}, {L"name", "VarChar(80)"}, {L"path", "Geometry"}});
+    c->addFunction(L"area", {{{"Geometry"}, "Double"}});
+    c->addFunction(L"sum", FunctionKind::Aggregate, {{{"integerTypes"}, "BigInt"}, {{"Decimal"}, Result::argument(0)}});
+    c->addFunction(L"coalesce", {{{"any"}, Result::widest(), {}, true}});
+    c->addCustomOperator(static_cast<OperationCode>(51), L"NEAR", 9);
+    c->addOperator(static_cast<OperationCode>(51), {{{"Geometry", "Geometry"}, "Boolean"}});
+    return c;
+  }();
+  return *instance;
+}
+
+// The canonical text, then the result columns of a query or the faults of the statement.
+std::string describe(const std::string& sql) {
+  const Catalogue& c = standard();
+  SqlParser parser(c);
+  if (!parser.parse(sql)) return parser.errors.front()->what();
+  std::string out = host::toUtf8(SqlStringBuilder(&c).buildString(parser.result));
+  Validator validator(c, c, nullptr);
+  const bool good = ast::nodeIs<ast::QuerySpecification>(parser.result)
+                        ? validator.validate(ast::getNodeValue<ast::QuerySpecification>(parser.result))
+                        : validator.validate(ast::getNodeValue<ast::UpdateStatement>(parser.result));
+  if (!good) {
+    for (const auto& error : validator.mErrors) out += "\n" + host::errorLine(*error);
+    return out;
+  }
+  if (!ast::nodeIs<ast::QuerySpecification>(parser.result)) return out;
+  const auto table = buildTableInfo(c, c, ast::getNodeValue<ast::QuerySpecification>(parser.result), nullptr);
+  for (std::size_t i = 0; i < table->columnCount(); ++i) {
+    const auto column = table->columnByIndex(i);
+    out += "\n" + host::toUtf8(column.canonicalName()) + " " + host::typeText(column.type());
+  }
+  return out;
+}
+
+const bool registered = (registerGolden("StandardSql", "host/standard.golden", describe), true);
+
+struct FaultCase {
+  const char* what;
+  std::function<void(Catalogue&)> build;
+  const char* message;
+};
+
+TEST(HostCatalogue, FaultsNameTheirCause) {
+  const FaultCase cases[] = {
+      {"table twice", [](Catalogue& c) { c.addTable(L"t", {{L"a", "Integer"}}); c.addTable(L"T", {{L"b", "Integer"}}); },
+       "a second table called \"T\""},
+      {"column twice", [](Catalogue& c) { c.addTable(L"t", {{L"a", "Integer"}, {L"A", "Date"}}); },
+       "the table has a column of this name already"},
+      {"no columns", [](Catalogue& c) { c.addTable(L"t", std::vector<host::Column>{}); }, "a table needs at least one column"},
+      {"unknown type", [](Catalogue& c) { c.addTable(L"t", {{L"a", "Geometry"}}); }, "unknown type \"Geometry\""},
+      {"open parenthesis", [](Catalogue& c) { c.typeOf("VarChar(4"); }, "bad type \"VarChar(4\": expected a closing parenthesis"},
+      {"three numbers", [](Catalogue& c) { c.typeOf("Decimal(1,2,3)"); },
+       "bad type \"Decimal(1,2,3)\": expected (length) or (precision,scale)"},
+      {"set as type", [](Catalogue& c) { c.typeOf("numericTypes"); }, "\"numericTypes\" is a set of types, not a type"},
+      {"sized parameter", [](Catalogue& c) { c.addFunction(L"f", {{{"VarChar(3)"}, "Integer"}}); },
+       "\"VarChar(3)\": a plain type here, without length or digits"},
+      {"alias of a plain name", [](Catalogue& c) { c.addTypeName("integer", std::make_shared<Type>(PlainType::BigInt)); },
+       "an alias must not be empty or the name of a plain type or a set"},
+      {"huge expansion", [](Catalogue& c) {
+         c.addFunction(L"f", {{{"numericTypes", "comparableTypes", "orderedTypes", "datetimeTypes", "characterStringTypes", "numericDateTypes"}, "Integer"}});
+       }, "unknown type \"comparableTypes\""},
+      {"huge expansion with sets", [](Catalogue& c) {
+         c.addStandardSql();
+         c.addFunction(L"f", {{{"numericTypes", "comparableTypes", "orderedTypes", "datetimeTypes", "binaryStringTypes",
+                                "characterStringTypes"}, "Integer"}});
+       }, "expands to more than 20000 overloads"},
+      {"variadic without parameters", [](Catalogue& c) { c.addFunction(L"f", {{{}, "Integer", {}, true}}); },
+       "a variadic overload needs at least one parameter in \"params\""},
+      {"ranked twice", [](Catalogue& c) { c.setRanking({{PlainType::Integer}, {PlainType::Integer}}); }, "\"Integer\" is ranked twice"},
+  };
+  for (const auto& test : cases) {
+    Catalogue c;
+    try {
+      test.build(c);
+      ADD_FAILURE() << test.what << ": no fault";
+    } catch (const CatalogueError& error) {
+      EXPECT_EQ(error.what(), std::string(test.message)) << test.what;
+    }
+  }
+}
+
+// A file builds on what the catalogue holds: the standard set's sets and host type names.
+TEST(HostCatalogue, FileAddsToTheStandardSet) {
+  Catalogue c;
+  c.addStandardSql(PlainType::VarBinary);
+  host::readCatalogue(c, R"({"tables": [{"name": "t", "columns": [{"name": "g", "type": "Geometry"}]}],
+                             "functions": [{"name": "f", "overloads": [{"params": ["orderedTypes"], "result": "Boolean"}]}]})",
+                      "test");
+  EXPECT_EQ(host::typeText(c.table(L"T")->columnByName(L"G").type()), "VarBinary");
+  EXPECT_EQ(c.function(L"F")->overloads().size(), 14u);
+  EXPECT_THROW(host::readCatalogue(c, R"({"tables": [{"name": "T", "columns": [{"name": "g", "type": "Integer"}]}]})", "again"),
+               CatalogueError);
+}
+
+struct Utf8Case {
+  std::string bytes;
+  std::wstring units;
+  std::string back; // the bytes toUtf8 gives for `units`
+};
+
+TEST(HostUtf8, RoundTripAndInvalidBytes) {
+  const Utf8Case cases[] = {
+      {"abc", L"abc", "abc"},
+      {"\xC3\xA9t\xC3\xA9", {0xE9, L't', 0xE9}, "\xC3\xA9t\xC3\xA9"},
+      {"\xE2\x82\xAC", {0x20AC}, "\xE2\x82\xAC"},
+      {"\xF0\x9F\x8C\x8D", {0xD83C, 0xDF0D}, "\xF0\x9F\x8C\x8D"},                // a surrogate pair
+      {"\xC3", {0xC3}, "\xC3\x83"},                                            // cut short: the byte itself
+      {"\x80z", {0x80, L'z'}, "\xC2\x80z"},                                     // a stray continuation byte
+      {"\xED\xA0\x80", {0xD800}, "\xED\xA0\x80"},                               // a lone surrogate survives
+  };
+  for (const auto& test : cases) {
+    EXPECT_EQ(host::fromUtf8(test.bytes), test.units) << test.bytes;
+    EXPECT_EQ(host::toUtf8(test.units), test.back) << test.bytes;
+  }
+}
+
+} // namespace
+} // namespace velmor::sql::test
