@@ -10,11 +10,15 @@
 #include <velmor/sql/host/Utf8.h>
 #include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/scope/ScopeBuilder.h>
+#include <velmor/sql/inference/TypeInferer.h>
+#include <velmor/sql/validation/ContextChecks.h>
+#include <velmor/sql/validation/QualifierChecks.h>
 #include <velmor/sql/validation/Validator.h>
 
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <type_traits>
 
 namespace velmor::sql::test {
 namespace {
@@ -145,6 +149,24 @@ TEST(HostUtf8, RoundTripAndInvalidBytes) {
     EXPECT_EQ(host::toUtf8(test.units), test.back) << test.bytes;
   }
 }
+
+} // namespace
+} // namespace velmor::sql::test
+
+namespace velmor::sql::test {
+namespace {
+
+// Classes that borrow a host context refuse a temporary one, which would dangle.
+struct Routines : host::Catalogue {};
+static_assert(std::is_constructible_v<Validator, const Routines&, const Routines&>);
+static_assert(!std::is_constructible_v<Validator, Routines&&, const Routines&>);
+static_assert(!std::is_constructible_v<Validator, const Routines&, Routines&&>);
+static_assert(!std::is_constructible_v<Validator, Routines&&, Routines&&>);
+static_assert(!std::is_constructible_v<SqlParser, Routines&&>);
+static_assert(!std::is_constructible_v<TypeInferer, Routines&&, const ColumnInfoScope&>);
+static_assert(!std::is_constructible_v<ContextCheckVisitor, Routines&&>);
+static_assert(!std::is_constructible_v<AggregateQueryDetector, Routines&&>);
+static_assert(!std::is_constructible_v<UnknownTableQualifiersVisitor, Routines&&, const ColumnInfoScope*>);
 
 } // namespace
 } // namespace velmor::sql::test

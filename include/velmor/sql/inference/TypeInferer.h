@@ -31,6 +31,9 @@ namespace velmor::sql {
 class VELMOR_SQL_API TypeInferer : public ast::VisitorWithResult<ast::NodeVisitor, std::shared_ptr<Type>> {
 public:
   TypeInferer(const GlobalTypeContext& globalContext, const ScopeTypeContext& scopeContext);
+  /// Temporary contexts would dangle: refused.
+  TypeInferer(GlobalTypeContext&& globalContext, const ScopeTypeContext& scopeContext) = delete;
+  TypeInferer(const GlobalTypeContext& globalContext, ScopeTypeContext&& scopeContext) = delete;
 
   using ast::NodeVisitor::visit;
   /// The scope's type of the column; an empty answer throws UnknownColumnReference.

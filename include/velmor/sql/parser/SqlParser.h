@@ -26,6 +26,8 @@ class VELMOR_SQL_API SqlParser {
 public:
   /// Keeps a reference to `context`, which must outlive the parser. `result` starts empty.
   explicit SqlParser(const ParseContext& context);
+  /// A temporary context would dangle: refused.
+  explicit SqlParser(ParseContext&& context) = delete;
   ~SqlParser();
   SqlParser(const SqlParser&) = delete;
   SqlParser& operator=(const SqlParser&) = delete;

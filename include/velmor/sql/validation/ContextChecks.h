@@ -23,6 +23,7 @@ namespace velmor::sql {
 class VELMOR_SQL_API ContextCheckVisitor : public ast::NodeVisitor {
 public:
   explicit ContextCheckVisitor(const GlobalTypeContext& globalContext);
+  explicit ContextCheckVisitor(GlobalTypeContext&& globalContext) = delete; // would dangle
 
   /// True when `query` is a context query (or an earlier call on this object found one).
   bool isContext(const ast::QuerySpecification& query);
@@ -68,6 +69,7 @@ private:
 class VELMOR_SQL_API AggregateQueryDetector : public ast::VisitorWithResult<ast::TraversalVisitor, bool> {
 public:
   explicit AggregateQueryDetector(const GlobalTypeContext& globalContext);
+  explicit AggregateQueryDetector(GlobalTypeContext&& globalContext) = delete; // would dangle
 
   /// True when `node` (a query or an expression) is an aggregate one.
   bool isAggregate(const ast::Node& node);

@@ -25,6 +25,7 @@ class ColumnInfoScope;
 class VELMOR_SQL_API UnknownTableQualifiersVisitor : public ValidatorVisitor {
 public:
   UnknownTableQualifiersVisitor(const TableInfoContext& tableContext, const ColumnInfoScope* scope);
+  UnknownTableQualifiersVisitor(TableInfoContext&& tableContext, const ColumnInfoScope* scope) = delete; // would dangle
 
   /// Reports `name` unless it is empty or known.
   void handleTableName(const std::wstring& name);

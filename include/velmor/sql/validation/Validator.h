@@ -35,6 +35,11 @@ public:
   /// takes part in queries only, never in an UPDATE.
   Validator(const GlobalTypeContext& globalContext, const TableInfoContext& tableContext,
             const std::shared_ptr<ColumnInfoScope>& externalScope = nullptr);
+  /// Temporary contexts would dangle: refused.
+  Validator(GlobalTypeContext&& globalContext, const TableInfoContext& tableContext,
+            const std::shared_ptr<ColumnInfoScope>& externalScope = nullptr) = delete;
+  Validator(const GlobalTypeContext& globalContext, TableInfoContext&& tableContext,
+            const std::shared_ptr<ColumnInfoScope>& externalScope = nullptr) = delete;
 
   /// Checks a query. True when `mErrors` is empty afterwards, so a validator that already holds
   /// errors from an earlier run answers false even for a good query.
