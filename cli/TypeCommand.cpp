@@ -9,7 +9,7 @@
 #include <velmor/sql/inference/TypeInferer.h>
 #include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/scope/Scope.h>
-#include <velmor/sql/validation/SemanticErrors.h>
+#include <velmor/sql/errors/SemanticErrors.h>
 
 #include <iostream>
 #include <sstream>

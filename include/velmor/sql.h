@@ -13,7 +13,7 @@
 #include <velmor/sql/builder/SqlStringBuilder.h>
 #include <velmor/sql/inference/StringTypeInferer.h>
 #include <velmor/sql/inference/TypeInferer.h>
-#include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/errors/SqlError.h>
 #include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/scope/Scope.h>
 #include <velmor/sql/scope/ScopeBuilder.h>
@@ -24,5 +24,5 @@
 #include <velmor/sql/types/Type.h>
 #include <velmor/sql/validation/ContextChecks.h>
 #include <velmor/sql/validation/QualifierChecks.h>
-#include <velmor/sql/validation/SemanticErrors.h>
+#include <velmor/sql/errors/SemanticErrors.h>
 #include <velmor/sql/validation/Validator.h>

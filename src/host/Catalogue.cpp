@@ -360,9 +360,12 @@ FullTypeFunction Catalogue::fullType(const Result& result, const std::vector<Pla
 
 namespace {
 
-// Calls `make` once for each combination of members of the bound sets.
-void expand(const std::vector<std::vector<PlainType>>& sets, const std::function<void(const std::vector<PlainType>&)>& make) {
-  std::size_t count = 1;
+// Calls `make` once for each combination of members of the bound sets; `each` is how many
+// overloads one combination makes (operator counts and quantifiers), part of the bound.
+void expand(const std::vector<std::vector<PlainType>>& sets, const std::function<void(const std::vector<PlainType>&)>& make,
+            std::size_t each = 1) {
+  std::size_t count = each;
+  if (count > maxExpansion) throw CatalogueError("expands to more than " + std::to_string(maxExpansion) + " overloads");
   for (const auto& set : sets) {
     count *= set.size();
     if (count > maxExpansion)
@@ -459,7 +462,7 @@ std::vector<std::shared_ptr<OperatorOverloadInfo>> Catalogue::overloadsOf(const 
         for (const auto quantifier : signature.quantifiers)
           overloads.push_back(std::make_shared<OperatorOverloadInfo>(declared, all, full, quantifier));
       }
-    });
+    }, static_cast<std::size_t>(most - fewest + 1) * std::max<std::size_t>(signature.quantifiers.size(), 1));
   }
   return overloads;
 }

@@ -4,7 +4,7 @@
 #include <velmor/sql/host/Utf8.h>
 
 #include <velmor/sql/ast/EnumNames.h>
-#include <velmor/sql/validation/SemanticErrors.h>
+#include <velmor/sql/errors/SemanticErrors.h>
 
 #include <cctype>
 

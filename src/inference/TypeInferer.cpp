@@ -3,7 +3,7 @@
 
 #include <velmor/sql/Assert.h>
 #include <velmor/sql/inference/StringTypeInferer.h>
-#include <velmor/sql/validation/SemanticErrors.h>
+#include <velmor/sql/errors/SemanticErrors.h>
 
 #include <cstddef>
 #include <utility>

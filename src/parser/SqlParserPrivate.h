@@ -3,7 +3,7 @@
 
 #include "SqlGrammar.tab.hpp"
 
-#include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/errors/SqlError.h>
 
 #include <memory>
 #include <string>

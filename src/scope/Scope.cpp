@@ -2,7 +2,7 @@
 #include <velmor/sql/scope/Scope.h>
 
 #include <velmor/sql/types/Strings.h>
-#include <velmor/sql/validation/SemanticErrors.h>
+#include <velmor/sql/errors/SemanticErrors.h>
 
 #include <range/v3/range/conversion.hpp>
 #include <range/v3/view/filter.hpp>

@@ -2,7 +2,7 @@
 #include <velmor/sql/scope/ScopeBuilder.h>
 
 #include <velmor/sql/inference/TypeInferer.h>
-#include <velmor/sql/validation/SemanticErrors.h>
+#include <velmor/sql/errors/SemanticErrors.h>
 
 #include "types/ColumnOrder.h"
 

@@ -4,7 +4,7 @@
 #include "sqllexer/Lexer.h"
 #include "sqllexer/Location.h"
 
-#include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/errors/SqlError.h>
 
 #include <memory>
 #include <string>

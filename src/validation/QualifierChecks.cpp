@@ -3,7 +3,7 @@
 
 #include <velmor/sql/scope/Scope.h>
 #include <velmor/sql/types/Strings.h>
-#include <velmor/sql/validation/SemanticErrors.h>
+#include <velmor/sql/errors/SemanticErrors.h>
 
 namespace velmor::sql {
 

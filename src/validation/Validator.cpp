@@ -7,7 +7,7 @@
 #include <velmor/sql/scope/ScopeBuilder.h>
 #include <velmor/sql/validation/ContextChecks.h>
 #include <velmor/sql/validation/QualifierChecks.h>
-#include <velmor/sql/validation/SemanticErrors.h>
+#include <velmor/sql/errors/SemanticErrors.h>
 
 namespace velmor::sql {
 

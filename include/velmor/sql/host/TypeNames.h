@@ -3,7 +3,7 @@
 #pragma once
 
 #include <velmor/sql/host/Export.h>
-#include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/errors/SqlError.h>
 #include <velmor/sql/types/Type.h>
 
 #include <memory>

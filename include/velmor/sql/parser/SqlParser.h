@@ -3,7 +3,7 @@
 
 #include <velmor/sql/Export.h>
 #include <velmor/sql/ast/AST.h>
-#include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/errors/SqlError.h>
 
 #include <memory>
 #include <string>

@@ -4,7 +4,7 @@
 #include <velmor/sql/Export.h>
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/ast/Traversal.h>
-#include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/errors/SqlError.h>
 #include <velmor/sql/types/Routine.h>
 #include <velmor/sql/types/Table.h>
 

@@ -1,5 +1,5 @@
 // The error family's root and the syntax error classes.
-#include <velmor/sql/parser/SqlError.h>
+#include <velmor/sql/errors/SqlError.h>
 
 #include <cstdlib>
 #include <string>

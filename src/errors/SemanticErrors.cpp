@@ -1,5 +1,5 @@
 // The semantic error classes: constructors, clone and type.
-#include <velmor/sql/validation/SemanticErrors.h>
+#include <velmor/sql/errors/SemanticErrors.h>
 
 #include <utility>
 

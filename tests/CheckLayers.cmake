@@ -1,0 +1,72 @@
+cmake_minimum_required(VERSION 3.25)
+# Fails when a header or source includes one of a layer above its own. Layers, lowest first:
+# the tree, types and string helpers, the error classes, the scanner, the parser, the builder,
+# scopes, inference, validation, the host kit, the tool. Top-level headers (Export.h, Assert.h)
+# and src/common stand below all of them.
+set(_layers ast types errors sqllexer parser builder scope inference validation host cli)
+# Edges allowed for now, each with its reason. An entry that no longer occurs is a fault too, so
+# that the list only shrinks.
+# - Result tables type their calculated columns with TypeInferer; ScopeBuilder belongs above
+#   inference and moves there after its renaming has landed.
+set(_allowed "src/scope/ScopeBuilder.cpp -> velmor/sql/inference/TypeInferer.h")
+
+function(layer_of path out)
+  set(rank -1)
+  set(i 0)
+  foreach(_layer IN LISTS _layers)
+    if(path MATCHES "(^|/)(include/velmor/sql|src)/${_layer}/" OR path MATCHES "(^|/)${_layer}/[^/]+$")
+      set(rank ${i})
+    endif()
+    math(EXPR i "${i} + 1")
+  endforeach()
+  set(${out} ${rank} PARENT_SCOPE)
+endfunction()
+
+file(GLOB_RECURSE _files RELATIVE ${SOURCE_DIR}
+     ${SOURCE_DIR}/include/velmor/sql/*.h ${SOURCE_DIR}/src/*.h ${SOURCE_DIR}/src/*.cpp
+     ${SOURCE_DIR}/src/*.re ${SOURCE_DIR}/src/*.yy ${SOURCE_DIR}/cli/*.h ${SOURCE_DIR}/cli/*.cpp)
+set(_faults "")
+set(_seen "")
+foreach(_file IN LISTS _files)
+  layer_of("${_file}" _own)
+  file(STRINGS ${SOURCE_DIR}/${_file} _includes REGEX "^[ \t]*#[ \t]*include[ \t]*[<\"]")
+  foreach(_line IN LISTS _includes)
+    string(REGEX REPLACE "^[ \t]*#[ \t]*include[ \t]*[<\"]([^>\"]+)[>\"].*" "\\1" _target "${_line}")
+    # <velmor/sql/L/...> and the sources' own "L/..." (src is on their include path).
+    set(_dir "")
+    if(_target MATCHES "^velmor/sql/([a-z]+)/")
+      set(_dir ${CMAKE_MATCH_1})
+    elseif(_file MATCHES "^src/")
+      if(_target MATCHES "^([a-z]+)/")
+        set(_dir ${CMAKE_MATCH_1})
+      endif()
+    endif()
+    if(NOT _dir)
+      continue()
+    endif()
+    list(FIND _layers ${_dir} _rank)
+    if(_rank GREATER _own)
+      list(FIND _allowed "${_file} -> ${_target}" _known)
+      if(_known EQUAL -1)
+        string(APPEND _faults "\n  ${_file}: #include ${_target} (${_dir} is above)")
+      else()
+        list(APPEND _seen "${_file} -> ${_target}")
+      endif()
+    endif()
+  endforeach()
+endforeach()
+foreach(_edge IN LISTS _allowed)
+  if(NOT _edge IN_LIST _seen)
+    string(APPEND _faults "\n  ${_edge}: allowed but gone; take it off the list")
+  endif()
+endforeach()
+# The old homes of the error classes only forward downwards.
+foreach(_forward include/velmor/sql/parser/SqlError.h include/velmor/sql/validation/SemanticErrors.h)
+  file(STRINGS ${SOURCE_DIR}/${_forward} _includes REGEX "^#include")
+  if(NOT _includes MATCHES "^#include <velmor/sql/errors/[A-Za-z]+\\.h>$")
+    string(APPEND _faults "\n  ${_forward}: a forwarding header includes only its errors/ header")
+  endif()
+endforeach()
+if(_faults)
+  message(FATAL_ERROR "upward includes:${_faults}")
+endif()
