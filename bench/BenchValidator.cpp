@@ -93,7 +93,8 @@ void BM_ParseSelects(benchmark::State& state) {
 
 void BM_ValidateSelects(benchmark::State& state) {
   const auto& corpus = parsedCorpus();
-  const corpus::CorpusCatalogue catalogue;
+  const auto hostCatalogue = corpus::corpusCatalogue();
+  const host::Catalogue& catalogue = *hostCatalogue;
   std::size_t good = 0;
   for (auto _ : state) {
     good = 0;

@@ -1,9 +1,9 @@
-// Parsed statements against the tool's built-in catalogue: validation, result tables, the type
+// Parsed statements against the host kit's GIS sample catalogue: validation, result tables, the type
 // of every select item and of WHERE, and renaming. Faults are exceptions of documented kinds;
 // nothing else may escape, crash or leak.
 #include "FuzzSupport.h"
 
-#include "Catalogue.h"
+#include <velmor/sql/host/CatalogueFile.h>
 
 #include <velmor/sql/ast/Traversal.h>
 #include <velmor/sql/builder/RenameTableBuilder.h>
@@ -34,23 +34,23 @@ void guarded(Stage&& stage) {
   }
 }
 
-void query(const velmor::cli::Catalogue& host, const ast::QuerySpecification& statement) {
+void query(const host::Catalogue& catalogue, const ast::QuerySpecification& statement) {
   guarded([&] {
-    Validator validator(host, host);
+    Validator validator(catalogue, catalogue);
     const bool valid = validator.validate(statement);
     VELMOR_FUZZ_CHECK(valid == validator.errors().empty(), "validate answers by its list");
     for (const auto& error : validator.errors()) VELMOR_FUZZ_CHECK(error != nullptr, "no empty faults");
   });
   guarded([&] {
-    const auto table = buildTableInfo(host, host, statement, nullptr);
+    const auto table = buildTableInfo(catalogue, catalogue, statement, nullptr);
     VELMOR_FUZZ_CHECK(table != nullptr, "a result table");
     for (std::size_t i = 0; i < table->columnCount(); ++i) (void)table->columnByIndex(i).canonicalName();
   });
   guarded([&] {
-    const auto scope = buildScope(host, host, statement, nullptr);
+    const auto scope = buildScope(catalogue, catalogue, statement, nullptr);
     if (!scope) return;
-    for (const ast::Node& item : statement.selectList) guarded([&] { TypeInferer(host, *scope).inferNodeType(item); });
-    if (!statement.where.isNull()) guarded([&] { TypeInferer(host, *scope).inferType(statement.where); });
+    for (const ast::Node& item : statement.selectList) guarded([&] { TypeInferer(catalogue, *scope).inferNodeType(item); });
+    if (!statement.where.isNull()) guarded([&] { TypeInferer(catalogue, *scope).inferType(statement.where); });
   });
 }
 
@@ -62,7 +62,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const auto host = velmor::cli::Catalogue::builtin();
+  static const auto sample = host::gisSampleCatalogue();
   const ParseContext context;
   SqlParser parser(context);
   try {
@@ -71,17 +71,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0; // a lexeme longer than the scanner's window
   }
   const ast::Node& tree = parser.result;
-  ast::visitSingle<ast::QuerySpecification>(tree, [&](const ast::QuerySpecification& statement) { query(*host, statement); }, 0);
+  ast::visitSingle<ast::QuerySpecification>(tree, [&](const ast::QuerySpecification& statement) { query(*sample, statement); }, 0);
   ast::visitSingle<ast::UpdateStatement>(tree, [&](const ast::UpdateStatement& update) {
     guarded([&] {
-      Validator validator(*host, *host);
+      Validator validator(*sample, *sample);
       (void)validator.validate(update);
     });
   }, 0);
   // Typing a whole expression without a scope: column references fail, the rest is typed.
   if (tree.isExpression()) {
     const ScopeTypeContext noColumns;
-    guarded([&] { TypeInferer(*host, noColumns).inferNodeType(tree); });
+    guarded([&] { TypeInferer(*sample, noColumns).inferNodeType(tree); });
   }
   for (const auto& names : {std::pair{L"cities", L"towns"}, std::pair{L"", L"x"}}) {
     // Throws std::out_of_range, as documented, for ROW().
