@@ -1,6 +1,8 @@
 // The in-memory catalogue: type texts, signature expansion and the library's host interfaces.
 #include <velmor/sql/host/Catalogue.h>
 
+#include "Worded.h"
+
 #include <velmor/sql/host/TypeNames.h>
 #include <velmor/sql/host/Utf8.h>
 #include <velmor/sql/types/Strings.h>
@@ -100,16 +102,24 @@ std::shared_ptr<Type> widestOf(const std::map<PlainType, int>& ranks, const std:
 // millions of them.
 constexpr std::size_t maxExpansion = 20000;
 
+// The result as a file writes it: a type text of its own, or the rule.
+Result worded(const Result& result, PlainType declared, const FullTypeFunction& full) {
+  if (result.rule != Result::Rule::Type) return result;
+  const auto type = full ? full({}) : nullptr;
+  return Result(type ? typeText(type) : plainTypeName(declared));
+}
+
 } // namespace
 
 // ---- overload holders -------------------------------------------------------------------------
 
 class Catalogue::Function final : public FunctionInfo {
 public:
-  explicit Function(FunctionKind kind) : m_kind(kind) {}
+  Function(std::wstring name, FunctionKind kind) : m_name(std::move(name)), m_kind(kind) {}
   std::vector<std::shared_ptr<OverloadInfo>> overloads() const override { return m_overloads; }
   FunctionKind kind() const override { return m_kind; }
 
+  std::wstring m_name; // as first given
   FunctionKind m_kind;
   std::vector<std::shared_ptr<OverloadInfo>> m_overloads;
 };
@@ -188,6 +198,7 @@ void Catalogue::addTypeName(const std::string& name, std::shared_ptr<Type> type)
   if (k.empty() || k == "any" || plainTypeFromName(k) || m_typeSets.count(k))
     throw CatalogueError("an alias must not be empty or the name of a plain type or a set");
   m_typeNames[k] = std::move(type);
+  m_givenNames[k] = trimmed(name);
 }
 
 void Catalogue::addTypeSet(const std::string& name, const std::vector<std::string>& members) {
@@ -202,6 +213,7 @@ void Catalogue::addTypeSet(const std::string& name, const std::vector<std::strin
     }
   }
   m_typeSets[k] = std::move(all);
+  m_givenNames[k] = trimmed(name);
 }
 
 bool Catalogue::isTypeSet(std::string_view text) const { return m_typeSets.count(key(text)) != 0; }
@@ -280,6 +292,12 @@ void Catalogue::addTable(const std::wstring& name, std::shared_ptr<TableInfo> ta
 std::vector<std::wstring> Catalogue::tableNames() const {
   std::vector<std::wstring> names;
   for (const auto& [folded, entry] : m_tables) names.push_back(entry.first);
+  return names;
+}
+
+std::vector<std::wstring> Catalogue::functionNames() const {
+  std::vector<std::wstring> names;
+  for (const auto& [folded, function] : m_functions) names.push_back(function->m_name);
   return names;
 }
 
@@ -411,8 +429,8 @@ std::vector<std::shared_ptr<OverloadInfo>> Catalogue::overloadsOf(const Signatur
       auto required = substitute(expansion.lists[0], members);
       PlainType declared = PlainType::Fault;
       auto full = fullType(signature.result, members, expansion, declared, required);
-      overloads.push_back(std::make_shared<OverloadInfo>(
-          declared, std::move(required), std::move(full),
+      overloads.push_back(std::make_shared<WordedOverload>(
+          worded(signature.result, declared, full), declared, std::move(required), std::move(full),
           signature.deterministic ? Determinism::Deterministic : Determinism::NonDeterministic,
           substitute(expansion.lists[1], members), signature.variadic));
     });
@@ -422,7 +440,7 @@ std::vector<std::shared_ptr<OverloadInfo>> Catalogue::overloadsOf(const Signatur
 
 void Catalogue::addFunction(const std::wstring& name, FunctionKind kind, std::vector<std::shared_ptr<OverloadInfo>> overloads) {
   auto& slot = m_functions[normalized(name)];
-  if (!slot) slot = std::make_shared<Function>(kind);
+  if (!slot) slot = std::make_shared<Function>(name, kind);
   slot->m_kind = kind;
   for (auto& overload : overloads) slot->m_overloads.push_back(std::move(overload));
 }
@@ -460,7 +478,8 @@ std::vector<std::shared_ptr<OperatorOverloadInfo>> Catalogue::overloadsOf(const 
         PlainType declared = PlainType::Fault;
         auto full = fullType(signature.result, members, expansion, declared, all);
         for (const auto quantifier : signature.quantifiers)
-          overloads.push_back(std::make_shared<OperatorOverloadInfo>(declared, all, full, quantifier));
+          overloads.push_back(std::make_shared<WordedOperatorOverload>(worded(signature.result, declared, full), declared,
+                                                                       all, full, quantifier));
       }
     }, static_cast<std::size_t>(most - fewest + 1) * std::max<std::size_t>(signature.quantifiers.size(), 1));
   }

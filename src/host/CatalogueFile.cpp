@@ -1,6 +1,8 @@
 // Catalogue files: the JSON format read into the in-memory catalogue, and the embedded samples.
 #include <velmor/sql/host/CatalogueFile.h>
 
+#include "Worded.h"
+
 #include <velmor/sql/host/TypeNames.h>
 #include <velmor/sql/host/Utf8.h>
 
@@ -511,6 +513,189 @@ std::shared_ptr<const Catalogue> loadCatalogue(const std::string& path) {
   std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
   if (file.bad()) throw CatalogueError("catalogue " + path + ": cannot be read");
   return parseCatalogue(text, path);
+}
+
+namespace {
+
+// A type as a file names it; a type the reader could not read back has no text form.
+std::string typeWord(const Catalogue& catalogue, const std::shared_ptr<Type>& type) {
+  const std::string text = typeText(type);
+  try {
+    (void)catalogue.typeOf(text);
+  } catch (const CatalogueError&) {
+    throw CatalogueError("the type " + text + " has no text form in a catalogue file");
+  }
+  return text;
+}
+
+json plainWords(const std::vector<PlainType>& types) {
+  json list = json::array();
+  for (const PlainType t : types) list.push_back(t == PlainType::Contextual ? std::string("any") : plainTypeName(t));
+  return list;
+}
+
+json resultWords(const OverloadInfo& overload) {
+  const Result* result = nullptr;
+  if (const auto* worded = dynamic_cast<const WordedOverload*>(&overload)) result = &worded->mResult;
+  if (const auto* worded = dynamic_cast<const WordedOperatorOverload*>(&overload)) result = &worded->mResult;
+  if (!result) return plainTypeName(overload.mReturnType);
+  switch (result->rule) {
+  case Result::Rule::Type: return result->type;
+  case Result::Rule::Argument: return json{{"argument", result->first}};
+  case Result::Rule::DecimalSum: return json{{"decimalSum", {result->first, result->second}}};
+  case Result::Rule::DecimalProduct: return json{{"decimalProduct", {result->first, result->second}}};
+  case Result::Rule::LengthSum: return json{{"lengthSum", plainTypeName(result->plain)}};
+  case Result::Rule::Widest: return json{{"widest", true}};
+  }
+  return plainTypeName(overload.mReturnType);
+}
+
+json kindWord(FunctionKind kind) {
+  switch (kind) {
+  case FunctionKind::Ordinary: return "Ordinary";
+  case FunctionKind::Aggregate: return "Aggregate";
+  case FunctionKind::ContextOpaque: return "ContextOpaque";
+  }
+  return static_cast<std::int32_t>(kind); // a host's own number
+}
+
+const char* quantifierWord(ast::Quantifier quantifier) {
+  switch (quantifier) {
+  case ast::Quantifier::None: return "None";
+  case ast::Quantifier::All: return "All";
+  case ast::Quantifier::Any: return "Any";
+  }
+  return "None";
+}
+
+} // namespace
+
+std::string writeCatalogue(const Catalogue& catalogue) {
+  json root = json::object();
+  json types = json::object();
+  for (const auto& [key, type] : catalogue.m_typeNames) types[catalogue.m_givenNames.at(key)] = typeWord(catalogue, type);
+  if (!types.empty()) root["types"] = types;
+
+  // The library's seven sets are known to every reader.
+  const Catalogue plain;
+  json sets = json::object();
+  for (const auto& [key, members] : catalogue.m_typeSets) {
+    if (!plain.isTypeSet(key)) sets[catalogue.m_givenNames.at(key)] = plainWords(members);
+  }
+  if (!sets.empty()) root["typeSets"] = sets;
+
+  json tables = json::array();
+  for (const auto& [key, entry] : catalogue.m_tables) {
+    const auto& [name, table] = entry;
+    json columns = json::array();
+    for (std::size_t i = 0; i < table->columnCount(); ++i) {
+      const ColumnInfo column = table->columnByIndex(i);
+      json item = json::object();
+      if (column.names().size() == 1) {
+        item["name"] = toUtf8(column.names().front());
+      } else {
+        item["names"] = json::array();
+        for (const auto& columnName : column.names()) item["names"].push_back(toUtf8(columnName));
+      }
+      item["type"] = typeWord(catalogue, column.type());
+      if (column.originalName() != column.names().front()) item["originalName"] = toUtf8(column.originalName());
+      if (column.originalTable() != name) item["originalTable"] = toUtf8(column.originalTable());
+      columns.push_back(item);
+    }
+    tables.push_back({{"name", toUtf8(name)}, {"columns", columns}});
+  }
+  if (!tables.empty()) root["tables"] = tables;
+
+  json functions = json::array();
+  for (const auto& name : catalogue.functionNames()) {
+    const auto function = catalogue.function(name);
+    json overloads = json::array();
+    for (const auto& overload : function->overloads()) {
+      json item = {{"params", plainWords(overload->mParameters)}};
+      if (!overload->mOptionalParameters.empty()) item["optional"] = plainWords(overload->mOptionalParameters);
+      if (overload->mVariadic) item["variadic"] = true;
+      item["result"] = resultWords(*overload);
+      if (overload->mDeterminism == Determinism::NonDeterministic) item["deterministic"] = false;
+      overloads.push_back(item);
+    }
+    functions.push_back({{"name", toUtf8(name)}, {"kind", kindWord(function->kind())}, {"overloads", overloads}});
+  }
+  if (!functions.empty()) root["functions"] = functions;
+
+  json operators = json::array();
+  for (const auto& [code, info] : catalogue.m_operators) {
+    // Overloads that differ only by a block of operands repeated once more each time (what
+    // "repeat" and "times" made, or a variadic last operand) are written as one entry again.
+    json overloads = json::array();
+    const auto list = info->overloads();
+    for (std::size_t i = 0; i < list.size();) {
+      const OperatorOverloadInfo& first = *list[i];
+      json item = json::object();
+      item["params"] = plainWords(first.mParameters);
+      item["result"] = resultWords(first);
+      if (first.mQuantifier != ast::Quantifier::None) item["quantifiers"] = {quantifierWord(first.mQuantifier)};
+      std::size_t next = i + 1;
+      if (first.mVariadic && !first.mParameters.empty()) {
+        item["repeat"] = plainWords({first.mParameters.back()});
+        item["times"] = {0, 1024};
+      } else if (next < list.size()) {
+        const auto& a = first.mParameters;
+        const auto& b = list[next]->mParameters;
+        const auto sameKind = [&](const OperatorOverloadInfo& other) {
+          return !other.mVariadic && other.mQuantifier == first.mQuantifier && resultWords(other) == item["result"];
+        };
+        if (b.size() > a.size() && std::equal(a.begin(), a.end(), b.begin()) && sameKind(*list[next])) {
+          const std::vector<PlainType> block(b.begin() + static_cast<std::ptrdiff_t>(a.size()), b.end());
+          std::vector<PlainType> expected = b;
+          int times = 1;
+          for (++next; next < list.size() && times < 1024; ++next, ++times) {
+            expected.insert(expected.end(), block.begin(), block.end());
+            if (list[next]->mParameters != expected || !sameKind(*list[next])) break;
+          }
+          item["repeat"] = plainWords(block);
+          item["times"] = {0, times};
+        }
+      }
+      overloads.push_back(item);
+      i = next;
+    }
+    json entry = json::object();
+    const char* name = static_cast<int>(code) <= 50 ? ast::enumName(code) : nullptr;
+    if (name) {
+      entry["operator"] = name;
+    } else {
+      entry["operator"] = static_cast<std::int64_t>(code);
+      entry["text"] = toUtf8(catalogue.operatorToString(code));
+      entry["level"] = catalogue.precedenceLevel(code);
+    }
+    entry["overloads"] = overloads;
+    operators.push_back(entry);
+  }
+  if (!operators.empty()) root["operators"] = operators;
+
+  std::map<PlainType, std::vector<PlainType>> targets;
+  for (const auto& [from, to] : catalogue.m_conversions) targets[from].push_back(to);
+  json conversions = json::array();
+  for (const auto& [from, to] : targets) conversions.push_back({{"from", plainTypeName(from)}, {"to", plainWords(to)}});
+  if (!conversions.empty()) root["conversions"] = conversions;
+
+  std::map<int, std::vector<PlainType>> levels;
+  for (const auto& [type, rank] : *catalogue.m_ranks) levels[rank].push_back(type);
+  json ranking = json::array();
+  for (const auto& [rank, members] : levels) ranking.push_back(plainWords(members));
+  if (!ranking.empty()) root["ranking"] = ranking;
+
+  if (catalogue.m_ownPrecedence) {
+    // Levels are positions in the list: gaps (which setPrecedenceLevel can leave) close up.
+    std::map<int, json> byLevel;
+    for (const auto& [code, level] : catalogue.m_levels) {
+      if (static_cast<int>(code) <= 50 && level > 0) byLevel[level].push_back(ast::enumName(code));
+    }
+    json precedence = json::array();
+    for (auto& [level, names] : byLevel) precedence.push_back(names);
+    root["precedence"] = precedence;
+  }
+  return root.dump(1) + "\n";
 }
 
 std::shared_ptr<const Catalogue> gisSampleCatalogue() {

@@ -128,6 +128,26 @@ TEST(HostCatalogue, FileAddsToTheStandardSet) {
                CatalogueError);
 }
 
+// A written catalogue reads back into one that writes the same text and answers the same.
+TEST(HostCatalogueFile, WrittenCatalogueReadsBack) {
+  const std::pair<const char*, const Catalogue*> cases[] = {
+      {"GIS sample", host::gisSampleCatalogue().get()},
+      {"standard set through the API", &standard()},
+  };
+  for (const auto& [what, catalogue] : cases) {
+    const std::string text = host::writeCatalogue(*catalogue);
+    const auto again = host::parseCatalogue(text, what);
+    EXPECT_EQ(host::writeCatalogue(*again), text) << what;
+    EXPECT_EQ(again->tableCount(), catalogue->tableCount()) << what;
+    EXPECT_EQ(again->functionCount(), catalogue->functionCount()) << what;
+    EXPECT_EQ(again->operatorCount(), catalogue->operatorCount()) << what;
+    for (int code = 0; code <= 52; ++code) {
+      const auto op = static_cast<OperationCode>(code);
+      EXPECT_EQ(again->precedenceLevel(op), catalogue->precedenceLevel(op)) << what << " " << code;
+    }
+  }
+}
+
 struct Utf8Case {
   std::string bytes;
   std::wstring units;

@@ -85,6 +85,15 @@ struct Column {
   std::vector<std::wstring> otherNames = {};
 };
 
+class Catalogue;
+/// The catalogue as JSON text in the format of catalogue files (docs/catalogue.md), which reads
+/// back into an equal catalogue: host type names, type sets of its own, tables, functions and
+/// operators with their overloads one by one, conversions, ranking and precedence. Overloads
+/// made from signatures keep their result rule; those handed over as objects are written with
+/// their declared result type, and an operator overload whose last operand repeats with up to
+/// 1024 repeats. Throws CatalogueError for a table or type that has no text form.
+VELMOR_SQL_HOST_API std::string writeCatalogue(const Catalogue& catalogue);
+
 /// An in-memory host catalogue: tables, type names, functions, operators, conversions, ranking
 /// and precedence. Implements GlobalTypeContext, TableInfoContext, StringBuildContext and
 /// ParseContext, so one object serves SqlParser, SqlStringBuilder, TypeInferer, Validator and the
@@ -189,10 +198,12 @@ public:
   std::size_t tableCount() const noexcept { return m_tables.size(); }
   std::size_t functionCount() const noexcept { return m_functions.size(); }
   std::size_t operatorCount() const noexcept { return m_operators.size(); }
-  /// Table names as added, in name order (normalized).
+  /// Table and function names as first given, in the order of their normalized forms.
   std::vector<std::wstring> tableNames() const;
+  std::vector<std::wstring> functionNames() const;
 
 private:
+  friend VELMOR_SQL_HOST_API std::string writeCatalogue(const Catalogue& catalogue);
   class Function;
   class Operator;
   struct Expansion;
@@ -212,6 +223,7 @@ private:
   std::map<OperationCode, std::wstring> m_operatorTexts;
   std::map<std::string, std::shared_ptr<Type>> m_typeNames;           // by lower-case name
   std::map<std::string, std::vector<type::PlainType>> m_typeSets;     // by lower-case name
+  std::map<std::string, std::string> m_givenNames; // type names and sets as given, by lower-case name
 };
 
 } // namespace velmor::sql::host
