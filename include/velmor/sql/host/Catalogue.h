@@ -118,7 +118,9 @@ public:
   /// Adds the standard SQL set: the built-in operators with their usual overloads over the plain
   /// types, spatial predicates over `geometry` (also the host type name "Geometry"), CASE of any
   /// number of branches, the usual conversions and ranking, and the type sets "integerTypes",
-  /// "comparableTypes" and "orderedTypes". The grammar's precedence stays.
+  /// "comparableTypes" and "orderedTypes". The grammar's precedence stays. The CASE overload
+  /// ranks its results by this catalogue, so it is meant for this catalogue only. Throws
+  /// CatalogueError when the catalogue has sets of those names already.
   void addStandardSql(type::PlainType geometry = type::PlainType::BinaryLargeObject);
 
   // ---- types ---------------------------------------------------------------------------------
@@ -126,6 +128,7 @@ public:
   /// Throws CatalogueError for an empty name, a plain type's name, "any" or a set's name.
   void addTypeName(const std::string& name, std::shared_ptr<Type> type);
   /// A named set of plain types for signatures; members may be plain types or other sets.
+  /// Throws CatalogueError for a name that is taken or a member that is no plain type or set.
   void addTypeSet(const std::string& name, const std::vector<std::string>& members);
   /// The type of a text: "Integer", "VarChar(40)", "Decimal(12,2)", a host type name or "any".
   /// Throws CatalogueError naming the fault.
