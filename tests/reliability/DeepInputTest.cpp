@@ -64,6 +64,8 @@ struct Shape {
   // False where the sample catalogue has no overload for the operator (unary minus, IN): the
   // stages then answer with a semantic fault, which is an answer too.
   bool typed;
+  // The parser's limit; a host may raise it, and the stages still need no more stack.
+  int limit = SqlParser::maxNestingDepth;
 };
 
 const Shape kShapes[] = {
@@ -78,11 +80,13 @@ const Shape kShapes[] = {
     {"IN list of 100,000 values", inList, 100'000, Expect::Works, false},
     {"subqueries nested 4,990 deep", subqueries, 4'990, Expect::Works, true},
     {"subqueries nested 10,000 deep", subqueries, 10'000, Expect::SyntaxError, true},
+    {"49,990 unary minus signs under a limit of 50,000", minusSigns, 49'990, Expect::Works, false, 50'000},
+    {"49,990 terms of a + a under a limit of 50,000", plusChain, 49'990, Expect::Works, true, 50'000},
 };
 
 // Every stage that reads a whole tree. A semantic fault is an answer; `typed` says whether the
 // sample catalogue should give a type instead.
-void allStages(const ast::Node& tree, const sample::SampleHost& host, bool typed) {
+void allStages(const ast::Node& tree, const sample::SampleHost& host, bool typed, int limit) {
   SqlStringBuilder builder(nullptr);
   const std::wstring text = builder.buildString(tree);
   EXPECT_FALSE(text.empty());
@@ -90,6 +94,7 @@ void allStages(const ast::Node& tree, const sample::SampleHost& host, bool typed
   EXPECT_NE(renamer.buildString(tree).find(L"FROM towns"), std::wstring::npos);
   const ParseContext context;
   SqlParser again(context);
+  again.nestingLimit = limit;
   EXPECT_TRUE(again.parse(fromWideString(text))) << "the canonical text parses again";
 
   const auto& query = ast::getNodeValue<ast::QuerySpecification>(tree);
@@ -120,6 +125,7 @@ TEST_P(DeepInput, NeverCrashesAndWorksWithinTheLimit) {
   runWithStack(kStack, [&] {
     const ParseContext context;
     SqlParser parser(context);
+    parser.nestingLimit = shape.limit;
     const bool parsed = parser.parse(text);
     if (shape.expect == Expect::SyntaxError) {
       ASSERT_FALSE(parsed) << "beyond the nesting limit";
@@ -130,7 +136,7 @@ TEST_P(DeepInput, NeverCrashesAndWorksWithinTheLimit) {
       return;
     }
     ASSERT_TRUE(parsed) << (parser.errors.empty() ? "" : parser.errors.front()->what());
-    allStages(parser.result, host, shape.typed);
+    allStages(parser.result, host, shape.typed, shape.limit);
     // The tree is released here, on this stack, with the parser.
   });
 }
