@@ -58,7 +58,7 @@ public:
   /// The nesting limit of the next parse, maxNestingDepth after construction; the error text
   /// names the limit in force. A value below 1 counts as 1. A host may lower it to bound the
   /// memory of hostile texts, or raise it: a tree's depth then costs heap (stack segments of
-  /// the walks, about 0.5 KiB a level), not stack.
+  /// the walks, up to about 0.6 KiB a level), not stack.
   int nestingLimit = maxNestingDepth;
 
 private:
