@@ -142,6 +142,13 @@ public:
 protected:
   const StringBuildContext* mContext;
   std::stack<std::wstring, std::deque<std::wstring>> mStack;
+
+private:
+  // Chains of operators, each the first operand of the one above, written in one pass so that
+  // the cost stays linear in their length; only where nothing could observe the inner links.
+  bool writesChainsWhole(const Transform& transform) const;
+  void writeUnaryChain(std::vector<const ast::Operation*>& chain);
+  void writeInfixChain(std::vector<const ast::Operation*>& chain);
 };
 
 } // namespace velmor::sql
