@@ -73,11 +73,10 @@ const ast::Operation* chained(const ast::ExpressionNode& node, Fits fits) {
 
 void SqlStringBuilder::visit(const ast::Operation& record) { processOperation(record, identityTransform()); }
 
-bool SqlStringBuilder::writesChainsWhole(const Transform& transform) const {
-  // Only where no derived visit, hook or transform could look at the fragments of the inner
-  // links: the library's own builders with the identity transform.
-  return &transform == &identityTransform() &&
-         (typeid(*this) == typeid(SqlStringBuilder) || typeid(*this) == typeid(RenameTableBuilder));
+bool SqlStringBuilder::writesChainsWhole() const {
+  // Only where no derived visit or hook could look at the fragments of the inner links: the
+  // library's own builders.
+  return typeid(*this) == typeid(SqlStringBuilder) || typeid(*this) == typeid(RenameTableBuilder);
 }
 
 void SqlStringBuilder::writeUnaryChain(std::vector<const ast::Operation*>& chain) {
@@ -167,12 +166,13 @@ void SqlStringBuilder::processOperation(const ast::Operation& op, const Transfor
   }
   // A chain of operators, one in the operand of the next (- - a, a OR b OR c), is written in
   // one pass: link by link, each would copy the text of all below it again.
-  if (writesPrefix(op) && chained(op.operands[0], writesPrefix) && writesChainsWhole(transform)) {
+  const bool whole = &transform == &identityTransform() && writesChainsWhole();
+  if (whole && writesPrefix(op) && chained(op.operands[0], writesPrefix)) {
     std::vector<const ast::Operation*> chain{&op};
     writeUnaryChain(chain);
     return;
   }
-  if (writesInfix(op) && chained(op.operands[0], writesInfix) && writesChainsWhole(transform)) {
+  if (whole && writesInfix(op) && chained(op.operands[0], writesInfix)) {
     std::vector<const ast::Operation*> chain{&op};
     writeInfixChain(chain);
     return;
