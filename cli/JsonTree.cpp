@@ -29,13 +29,19 @@ Json toJson(E value) {
 Json toJson(sql::TernaryLogic value) { return ast::enumName(value.value()); }
 
 // Each record's fields in their order; a record held by value is printed where it stands.
+// The members are reserved first: the object's vector of (const key, value) pairs would copy,
+// not move, on growing, and so copy each nested subtree once per field, recursively.
 #define VELMOR_FIELD(field) object[#field] = toJson(record.field);
-#define VELMOR_RECORD_FIELDS(Name, FIELDS)            \
-  Json toJson(const ast::Name& record) {              \
-    Json object = Json::object({{"node", #Name}});    \
-    FIELDS                                            \
-    return object;                                    \
+#define VELMOR_RECORD_FIELDS(Name, FIELDS)                   \
+  Json toJson(const ast::Name& record) {                     \
+    Json object = Json::object({{"node", #Name}});           \
+    object.get_ref<Json::object_t&>().reserve(kMostFields);  \
+    FIELDS                                                   \
+    return object;                                           \
   }
+
+// "node" and the nine fields of QuerySpecification, the widest record.
+constexpr std::size_t kMostFields = 10;
 
 template <class T>
 Json toJson(const std::vector<T>& list);
@@ -102,5 +108,40 @@ Json toJson(const ast::Node& node) {
 } // namespace
 
 nlohmann::ordered_json treeToJson(const sql::ast::Node& node) { return toJson(node); }
+
+void writeIndented(std::ostream& out, const nlohmann::ordered_json& json) {
+  using Json = nlohmann::ordered_json;
+  const auto scalar = [](const Json& value) { return value.dump(-1, ' ', false, Json::error_handler_t::replace); };
+  // The containers being written, each with the next member to write.
+  struct Open {
+    const Json* value;
+    Json::const_iterator next;
+  };
+  std::vector<Open> open;
+  const auto write = [&](const Json& value) {
+    if (value.is_structured() && !value.empty()) {
+      out << (value.is_object() ? "{\n" : "[\n");
+      open.push_back({&value, value.cbegin()});
+    } else {
+      out << scalar(value);
+    }
+  };
+  write(json);
+  while (!open.empty()) {
+    Open& top = open.back();
+    const std::size_t depth = open.size();
+    if (top.next == top.value->cend()) {
+      out << '\n' << std::string(2 * (depth - 1), ' ') << (top.value->is_object() ? '}' : ']');
+      open.pop_back();
+      continue;
+    }
+    if (top.next != top.value->cbegin()) out << ",\n";
+    out << std::string(2 * depth, ' ');
+    if (top.value->is_object()) out << scalar(Json(top.next.key())) << ": ";
+    const Json& member = *top.next;
+    ++top.next;
+    write(member);  // may grow `open`: `top` is not used after this
+  }
+}
 
 } // namespace velmor::cli

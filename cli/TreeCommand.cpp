@@ -27,7 +27,8 @@ int runTree(const std::vector<std::string>& args) {
     for (const std::shared_ptr<sql::SqlError>& error : parser.errors) std::cerr << error->what() << '\n';
     return exitFailure;
   }
-  std::cout << treeToJson(parser.result).dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  writeIndented(std::cout, treeToJson(parser.result));
+  std::cout << '\n';
   std::cout.flush();
   return std::cout ? exitOk : exitFailure;
 }

@@ -8,8 +8,10 @@
 #include <velmor/sql/ast/EnumNames.h>
 #include <velmor/sql/ast/TernaryLogic.h>
 #include <velmor/sql/ast/Traversal.h>
+#include <velmor/sql/ast/TreeShape.h>
 #include <velmor/sql/builder/Keywords.h>
 #include <velmor/sql/builder/RenameTableBuilder.h>
+#include <velmor/sql/builder/RoundTrip.h>
 #include <velmor/sql/builder/SqlStringBuilder.h>
 #include <velmor/sql/inference/StringTypeInferer.h>
 #include <velmor/sql/inference/TypeInferer.h>

@@ -2,6 +2,8 @@
 #include <velmor/sql/Assert.h>
 #include <velmor/sql/ast/AST.h>
 
+#include "common/DeepStack.h"
+
 #include <iostream>
 #include <typeinfo>
 
@@ -19,7 +21,14 @@ bool Node::isExpression() const { return mImpl && mImpl->isExpression(); }
 
 void Node::accept(NodeVisitor& visitor) const {
   if (!mImpl) throw NullNodeException();
-  mImpl->accept(visitor);
+  // Every walk of a tree recurses through here, once per level: a deep tree goes on on a fresh
+  // stack segment rather than overrunning a small thread stack.
+  NodeInterface& impl = *mImpl;
+  if (!sql::detail::stackIsLow()) {
+    impl.accept(visitor);
+    return;
+  }
+  sql::detail::withStack([&] { impl.accept(visitor); });
 }
 
 void Node::check() const { VELMOR_SQL_ASSERT(mImpl, "AST"); }

@@ -2,8 +2,9 @@
 #include <velmor/sql/Assert.h>
 #include <velmor/sql/ast/ASTStringValue.h>
 
+#include "common/WhiteSpace.h"
+
 #include <cstdint>
-#include <locale>
 
 namespace velmor::sql {
 namespace {
@@ -41,15 +42,21 @@ ASTStringValue::ASTStringValue(const std::wstring& raw) {
 void ASTStringValue::parse(const std::wstring& value) {
   m_value.clear();
   m_value.reserve(value.length());
-  const auto& ctype = std::use_facet<std::ctype<wchar_t>>(std::locale());
   const std::size_t length = value.length();
 
   // The scanner hands over one or more quoted pieces separated by white space; they are joined.
-  // value[length] is the terminating NUL, which is what a malformed text reads past its end.
+  // White space is the scanner's own (Unicode's, not the C locale's), so that every text the
+  // scanner joined reads back here. The steps run at least once, so an empty text fails the
+  // delimiter check as a blank one does. value[length] is the terminating NUL, which is what a
+  // malformed text reads past its end.
   std::size_t i = 0;
-  while (i < length) {
-    VELMOR_SQL_ASSERT(i == 0 || std::isspace(value[i], std::locale()), "ASTStringValue");
-    while (i < length && ctype.is(std::ctype_base::space, value[i])) ++i;
+  do {
+    // Reported under its established text, which names the platform's wide isspace that this
+    // test stands in for.
+    if (!(i == 0 || detail::isWhiteSpace(value[i]))) {
+      assertionFailed("i == 0 || std::isspace(value[i], std::locale())", "ASTStringValue");
+    }
+    while (i < length && detail::isWhiteSpace(value[i])) ++i;
     VELMOR_SQL_ASSERT(value[i] == L'"' || value[i] == L'\'', "ASTStringValue");
     const wchar_t delimiter = value[i];
     ++i;
@@ -71,7 +78,7 @@ void ASTStringValue::parse(const std::wstring& value) {
         ++i;
       }
     }
-  }
+  } while (i < length);
   m_value.shrink_to_fit();
 }
 

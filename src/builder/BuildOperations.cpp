@@ -1,4 +1,5 @@
 // The SQL writer's expressions: operators with their parentheses, CASE, routines, rows.
+#include <velmor/sql/builder/RenameTableBuilder.h>
 #include <velmor/sql/builder/SqlStringBuilder.h>
 
 #include "builder/BuildHelpers.h"
@@ -8,6 +9,8 @@
 #include <array>
 #include <iostream>
 #include <stdexcept>
+#include <typeinfo>
+#include <vector>
 
 namespace velmor::sql {
 
@@ -42,11 +45,94 @@ bool isOneOf(OperationCode code, std::initializer_list<OperationCode> codes) {
   return false;
 }
 
+const SqlStringBuilder::Transform& identityTransform() {
+  static const SqlStringBuilder::Transform kIdentity = identity;
+  return kIdentity;
+}
+
+// The unary operators that write their operand behind them.
+bool writesPrefix(const ast::Operation& op) {
+  return op.unary() && isOneOf(op.operation, {OperationCode::Not, OperationCode::Exists, OperationCode::Unique,
+                                              OperationCode::Plus, OperationCode::Minus});
+}
+
+// The binary operators written "left OP [quantifier] right".
+bool writesInfix(const ast::Operation& op) {
+  return op.operands.size() == 2 && op.operation != OperationCode::Case && op.operation != OperationCode::Cast;
+}
+
+// The operation below `node`, if it is one that `fits`.
+template <class Fits>
+const ast::Operation* chained(const ast::ExpressionNode& node, Fits fits) {
+  if (builder::kindOf(node) != builder::Kind::Operation) return nullptr;
+  const ast::Operation& op = recordOf<ast::Operation>(node);
+  return fits(op) ? &op : nullptr;
+}
+
 } // namespace
 
-void SqlStringBuilder::visit(const ast::Operation& record) {
-  static const Transform kIdentity = identity;
-  processOperation(record, kIdentity);
+void SqlStringBuilder::visit(const ast::Operation& record) { processOperation(record, identityTransform()); }
+
+bool SqlStringBuilder::writesChainsWhole() const {
+  // Only where no derived visit or hook could look at the fragments of the inner links: the
+  // library's own builders.
+  return typeid(*this) == typeid(SqlStringBuilder) || typeid(*this) == typeid(RenameTableBuilder);
+}
+
+void SqlStringBuilder::writeUnaryChain(std::vector<const ast::Operation*>& chain) {
+  while (const ast::Operation* next = chained(chain.back()->operands.at(0), writesPrefix)) chain.push_back(next);
+  doVisit(chain.back()->operands.at(0));
+  std::wstring operand = std::move(mStack.top());
+  mStack.pop();
+  // Each link writes its sign and, if its operand needs them, an opening parenthesis in front
+  // of all below it, and the closing one behind: the text is built once, front to back.
+  std::wstring text;
+  std::size_t closing = 0;
+  for (const ast::Operation* link : chain) {
+    text += operationToString(link->operation);
+    if (!isOneOf(link->operation, {OperationCode::Plus, OperationCode::Minus})) text += L' ';
+    if (needParantheses(*link, true)) {
+      text += L'(';
+      ++closing;
+    }
+  }
+  text += operand;
+  text.append(closing, L')');
+  mStack.push(std::move(text));
+}
+
+void SqlStringBuilder::writeInfixChain(std::vector<const ast::Operation*>& chain) {
+  while (const ast::Operation* next = chained(chain.back()->operands.at(0), writesInfix)) chain.push_back(next);
+  // Right operands first, top down, as the nested visits would take them; then the leftmost.
+  std::vector<std::wstring> operators, rights;
+  operators.reserve(chain.size());
+  rights.reserve(chain.size());
+  for (const ast::Operation* link : chain) {
+    std::wstring opText = operationToString(link->operation);
+    if (link->quantifier != ast::Quantifier::None) opText += L' ' + quantifierToString(link->quantifier);
+    operators.push_back(std::move(opText));
+    doVisit(link->operands[1]);
+    rights.push_back(std::move(mStack.top()));
+    mStack.pop();
+    if (needParantheses(*link, true)) parenthesize(rights.back());
+  }
+  doVisit(chain.back()->operands[0]);
+  std::wstring left = std::move(mStack.top());
+  mStack.pop();
+  // A link whose left operand needs parentheses opens one at the very front and closes it
+  // behind the text of the links below: the openings all stand together.
+  std::size_t opening = 0;
+  for (const ast::Operation* link : chain) opening += needParantheses(*link, false);
+  std::wstring text(opening, L'(');
+  text += left;
+  for (std::size_t i = chain.size(); i-- > 0;) {
+    if (needParantheses(*chain[i], false)) text += L')';
+    text += L' ';
+    text += operators[i];
+    text += L' ';
+    text += rights[i];
+  }
+  mStack.push(std::move(text));
 }
 
 std::wstring SqlStringBuilder::operationToString(OperationCode code) const {
@@ -76,6 +162,19 @@ std::wstring SqlStringBuilder::quantifierToString(ast::Quantifier quantifier) {
 void SqlStringBuilder::processOperation(const ast::Operation& op, const Transform& transform) {
   if (op.operation == OperationCode::Case) {
     visitCase(op.operands, transform);
+    return;
+  }
+  // A chain of operators, one in the operand of the next (- - a, a OR b OR c), is written in
+  // one pass: link by link, each would copy the text of all below it again.
+  const bool whole = &transform == &identityTransform() && writesChainsWhole();
+  if (whole && writesPrefix(op) && chained(op.operands[0], writesPrefix)) {
+    std::vector<const ast::Operation*> chain{&op};
+    writeUnaryChain(chain);
+    return;
+  }
+  if (whole && writesInfix(op) && chained(op.operands[0], writesInfix)) {
+    std::vector<const ast::Operation*> chain{&op};
+    writeInfixChain(chain);
     return;
   }
   const std::wstring opText = operationToString(op.operation);

@@ -9,6 +9,8 @@
 
 #include <iostream>
 #include <stdexcept>
+#include <string_view>
+#include <vector>
 
 namespace velmor::sql {
 
@@ -16,6 +18,7 @@ using builder::appendName;
 using builder::holds;
 using builder::kSource;
 using builder::parenthesize;
+using builder::recordOf;
 
 StringBuildContext::~StringBuildContext() = default;
 
@@ -43,6 +46,10 @@ void SqlStringBuilder::faultAction() {
 // Query assembly.
 
 void SqlStringBuilder::visit(const ast::QuerySpecification& record) {
+  if (nestsQueries(record) && writesChainsWhole()) {
+    writeQueryChain(record);
+    return;
+  }
   visitQuery(record.distinct, record.selectList, record.into, record.from, record.where,
              record.groupBy, record.orderBy, record.having, record.limit);
 }
@@ -56,18 +63,7 @@ void SqlStringBuilder::visitQuery(bool distinct, const std::vector<ast::Node>& s
                                   const ast::ExpressionNode& having,
                                   const ast::LimitSpecification& limit) {
   const std::wstring quantifier = distinct ? L" DISTINCT " : L" ";
-
-  std::wstring columns;
-  if (selectList.empty()) {
-    columns = L"*";
-  } else {
-    for (std::size_t i = 0; i < selectList.size(); ++i) {
-      doVisit(selectList[i]);
-      if (i != 0) columns += L", ";
-      columns += mStack.top();
-      mStack.pop();
-    }
-  }
+  const std::wstring columns = selectColumns(selectList);
 
   std::wstring clauses = L"FROM ";
   for (std::size_t i = 0; i < from.size(); ++i) {
@@ -79,7 +75,27 @@ void SqlStringBuilder::visitQuery(bool distinct, const std::vector<ast::Node>& s
     mStack.pop();
   }
   onFrom(clauses);
+  appendClauses(clauses, where, into, groupBy, having, orderBy);
 
+  mStack.push(constructSelect(L"SELECT", quantifier, columns, clauses, limit));
+}
+
+std::wstring SqlStringBuilder::selectColumns(const std::vector<ast::Node>& selectList) {
+  if (selectList.empty()) return L"*";
+  std::wstring columns;
+  for (std::size_t i = 0; i < selectList.size(); ++i) {
+    doVisit(selectList[i]);
+    if (i != 0) columns += L", ";
+    columns += mStack.top();
+    mStack.pop();
+  }
+  return columns;
+}
+
+void SqlStringBuilder::appendClauses(std::wstring& clauses, const ast::ExpressionNode& where,
+                                     const ast::TypeNode<ast::IntoClause>& into,
+                                     const std::vector<ast::ExpressionNode>& groupBy, const ast::ExpressionNode& having,
+                                     const std::vector<ast::SortSpecification>& orderBy) {
   if (!where.isNull()) {
     doVisit(where);
     clauses += L" WHERE ";
@@ -122,8 +138,61 @@ void SqlStringBuilder::visitQuery(bool distinct, const std::vector<ast::Node>& s
     mStack.pop();
   }
   onOrderBy(clauses);
+}
 
-  mStack.push(constructSelect(L"SELECT", quantifier, columns, clauses, limit));
+namespace {
+
+// The query that `query` selects from when its whole FROM is one derived table over a query.
+const ast::QuerySpecification* innerQuery(const ast::QuerySpecification& query) {
+  if (query.from.size() != 1 || builder::kindOf(query.from[0]) != builder::Kind::DerivedTable) return nullptr;
+  const auto& derived = recordOf<ast::DerivedTable>(query.from[0]);
+  if (builder::kindOf(derived.query) != builder::Kind::QuerySpecification) return nullptr;
+  return &recordOf<ast::QuerySpecification>(derived.query);
+}
+
+} // namespace
+
+bool SqlStringBuilder::nestsQueries(const ast::QuerySpecification& query) {
+  const ast::QuerySpecification* inner = innerQuery(query);
+  return inner != nullptr && innerQuery(*inner) != nullptr;
+}
+
+void SqlStringBuilder::writeQueryChain(const ast::QuerySpecification& top) {
+  std::vector<const ast::QuerySpecification*> links{&top};
+  while (const ast::QuerySpecification* inner = innerQuery(*links.back())) links.push_back(inner);
+  const std::size_t outer = links.size() - 1;
+
+  // In the order of the nested visits: each link's select list on the way down, the innermost
+  // query whole, then each link's other clauses on the way up.
+  std::vector<std::wstring> columns(outer);
+  for (std::size_t i = 0; i < outer; ++i) columns[i] = selectColumns(links[i]->selectList);
+  doVisit(recordOf<ast::DerivedTable>(links[outer - 1]->from[0]).query);
+  std::wstring innermost = std::move(mStack.top());
+  mStack.pop();
+
+  // Each link is written with nothing between the parentheses of its derived table and split
+  // there: what comes before the inner text and what after. The library's own builders keep
+  // the base hooks and constructSelect, which put the clauses right behind the columns.
+  std::vector<std::wstring> heads(outer), tails(outer);
+  for (std::size_t i = outer; i-- > 0;) {
+    const ast::QuerySpecification& query = *links[i];
+    std::wstring clauses = L"FROM (";
+    const std::size_t gap = clauses.size();
+    clauses += L") AS ";
+    clauses += Keywords::instance().escape(recordOf<ast::DerivedTable>(query.from[0]).alias);
+    onFrom(clauses);
+    appendClauses(clauses, query.where, query.into, query.groupBy, query.having, query.orderBy);
+    const std::wstring quantifier = query.distinct ? L" DISTINCT " : L" ";
+    std::wstring text = constructSelect(L"SELECT", quantifier, columns[i], clauses, query.limit);
+    const std::size_t at = std::wstring_view(L"SELECT").size() + quantifier.size() + columns[i].size() + 1 + gap;
+    heads[i] = text.substr(0, at);
+    tails[i] = text.substr(at);
+  }
+  std::wstring text;
+  for (const std::wstring& head : heads) text += head;
+  text += innermost;
+  for (std::size_t i = outer; i-- > 0;) text += tails[i];
+  mStack.push(std::move(text));
 }
 
 std::wstring& SqlStringBuilder::onFrom(std::wstring& clauses) { return clauses; }

@@ -164,10 +164,9 @@ bool TypeInferer::matchesWithConversion(const std::shared_ptr<OperatorOverloadIn
 
 namespace {
 
-// The candidates of one call, as positions in the host's list, which outlives them. Exact fits
-// are collected first, and the converted ones only where the decision needs them: whether an
-// overload fits exactly doesn't depend on the others, so the outcome is that of one pass over
-// the list, while the common call with one exact fit asks the host about no conversion at all.
+// The candidates of one call, as positions in the host's list, which outlives them. Every
+// overload is sorted into exact or converted before anything is decided, so the host's
+// canConvert sees the same questions in the same order whatever the outcome.
 template <class Overload>
 using Candidates = std::vector<const std::shared_ptr<Overload>*>;
 
@@ -187,19 +186,17 @@ std::shared_ptr<OverloadInfo> TypeInferer::findOverload(const ast::Function& fun
   std::vector<std::shared_ptr<OverloadInfo>> all = info->overloads();
   const std::vector<PlainType> plain = toPlainTypes(types);
   Candidates<OverloadInfo> exact;
-  for (const auto& overload : all) {
-    if (overload->matches(plain)) exact.push_back(&overload);
-  }
-  if (exact.size() == 1) return *exact.front();
   Candidates<OverloadInfo> converted;
   for (const auto& overload : all) {
-    if (!overload->matches(plain) && fitsWithConversion(*overload, plain)) converted.push_back(&overload);
+    if (overload->matches(plain)) exact.push_back(&overload);
+    else if (fitsWithConversion(*overload, plain)) converted.push_back(&overload);
   }
   // Functions have no ranking: two fits of equal standing are an error.
-  if (exact.size() >= 2 || converted.size() >= 2) {
+  if (exact.size() >= 2 || (exact.empty() && converted.size() >= 2)) {
     exact.insert(exact.end(), converted.begin(), converted.end());
     throw AmbiguousFunctionCall(function.name, types, shared(exact));
   }
+  if (exact.size() == 1) return *exact.front();
   if (converted.size() == 1) return *converted.front();
   throw NoGoodFunctionCandidate(function.name, types, std::move(all));
 }
@@ -210,18 +207,17 @@ std::shared_ptr<OperatorOverloadInfo> TypeInferer::findOperatorOverload(const as
   std::vector<std::shared_ptr<OperatorOverloadInfo>> all = info->overloads();
   const std::vector<PlainType> plain = toPlainTypes(types);
   Candidates<OperatorOverloadInfo> exact;
+  std::vector<std::shared_ptr<OperatorOverloadInfo>> converted;
   for (const auto& overload : all) {
-    if (overload->matches(plain, operation.quantifier)) exact.push_back(&overload);
+    if (overload->matches(plain, operation.quantifier)) {
+      exact.push_back(&overload);
+    } else if (overload->mQuantifier == operation.quantifier && fitsWithConversion(*overload, plain)) {
+      converted.push_back(overload);
+    }
   }
   if (exact.size() == 1) return *exact.front();
   // Unlike functions, the converted candidates play no part once two fit exactly.
   if (exact.size() >= 2) throw AmbiguousOperatorCall(operation.operation, types, shared(exact));
-  std::vector<std::shared_ptr<OperatorOverloadInfo>> converted;
-  for (const auto& overload : all) {
-    if (overload->mQuantifier == operation.quantifier && fitsWithConversion(*overload, plain)) {
-      converted.push_back(overload);
-    }
-  }
   if (converted.empty()) throw NoGoodOperatorOverload(operation.operation, types, std::move(all));
   try {
     return findBestOperatorMatch(converted, plain);

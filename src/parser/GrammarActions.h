@@ -39,7 +39,7 @@ template <class Parts>
 
 /// The rule made a node over its parts: one level deeper, within the nesting limit.
 inline void nest(Location& location, const ParseSession& session) {
-  if (++location.depth > SqlParser::maxNestingDepth) nestingTooDeep(*session.lexer);
+  if (++location.depth > session.nestingLimit) nestingTooDeep(session);
 }
 
 template <class T>

@@ -4,6 +4,7 @@
 #include "parser/SqlParserPrivate.h"
 #include "sqllexer/SqlLexer.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -26,17 +27,17 @@ int yylex(Parser::value_type* value, Location* location, ParseSession& session) 
     Lexer::assignWide(bytes, text);
     // Widening sizes the text by its bytes; non-ASCII text needs fewer units than that.
     if (text.size() != bytes.size()) text.shrink_to_fit();
-  } else if (lexer.openParentheses() > SqlParser::maxNestingDepth) {
+  } else if (lexer.openParentheses() > session.nestingLimit) {
     // Parentheses that leave no node behind still take a place on the automaton's stack each.
-    nestingTooDeep(lexer);
+    nestingTooDeep(session);
   }
   return id;
 }
 
-void nestingTooDeep(const SqlLexer& lexer) {
-  const Position at(lexer.token().line, lexer.token().column);
+void nestingTooDeep(const ParseSession& session) {
+  const Position at(session.lexer->token().line, session.lexer->token().column);
   throw Parser::syntax_error(Location(at, at), "syntax error, nesting too deep (limit " +
-                                                   std::to_string(SqlParser::maxNestingDepth) + ")");
+                                                   std::to_string(session.nestingLimit) + ")");
 }
 
 // The automaton's own error hook is only a stand-in: SqlParserPrivate decides where errors go.
@@ -69,8 +70,9 @@ void SqlParserPrivate::error(const location_type& location, const std::string& m
                                                         static_cast<std::size_t>(location.begin.column), message));
 }
 
-int SqlParserPrivate::run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors) {
-  mSession = ParseSession{&lexer, &result, &context};
+int SqlParserPrivate::run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors,
+                          int nestingLimit) {
+  mSession = ParseSession{&lexer, &result, &context, nestingLimit};
   mErrors = errors;
   struct Reset {
     SqlParserPrivate& automaton;
@@ -109,7 +111,7 @@ bool SqlParser::parse(const std::string& text) {
         if (longText) automaton.reset();
       }
     } dropLongStack{mAutomaton, text.size() > keptStackTextSize};
-    mAutomaton->run(lexer, tree, *context, &errors);
+    mAutomaton->run(lexer, tree, *context, &errors, std::max(nestingLimit, 1));
     if (errors.empty()) result = std::move(tree);
   }
   return !result.isNull();

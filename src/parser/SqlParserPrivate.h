@@ -16,9 +16,9 @@ namespace velmor::sql {
 /// symbol order ("error" and the error entries of nonassociative operators left out).
 std::string syntaxErrorMessage(const Parser::context& context);
 
-/// Throws the automaton's syntax_error "syntax error, nesting too deep (limit N)" located at
-/// the token that `lexer` returned last.
-[[noreturn]] void nestingTooDeep(const SqlLexer& lexer);
+/// Throws the automaton's syntax_error "syntax error, nesting too deep (limit N)", N being the
+/// session's limit, located at the token that the session's scanner returned last.
+[[noreturn]] void nestingTooDeep(const ParseSession& session);
 
 /// The automaton of one SqlParser, kept from parse to parse.
 class SqlParserPrivate final : public Parser {
@@ -30,7 +30,7 @@ public:
 
   /// Parses the text of `lexer` into `result`; syntax errors go to `errors`. Returns what
   /// Parser::parse returns; lets what it lets through pass.
-  int run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors);
+  int run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors, int nestingLimit);
 
   /// Appends an UnexpectedLexeme at the location's begin.
   void error(const location_type& location, const std::string& message) override;

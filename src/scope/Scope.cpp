@@ -50,6 +50,8 @@ bool sameName(const std::wstring& name, const std::wstring& key) {
   for (std::size_t i = 0; i < name.size(); ++i) {
     wchar_t unit = name[i];
     if (unit >= 0x80) return normalized(name) == key;
+    // Folding ends at a NUL unit, as normalized's does: the rest compares unit for unit.
+    if (unit == 0) return name.compare(i, std::wstring::npos, key, i, std::wstring::npos) == 0;
     if (unit >= L'A' && unit <= L'Z') unit = static_cast<wchar_t>(unit - L'A' + L'a');
     if (unit != key[i]) return false;
   }

@@ -7,6 +7,7 @@
 #include "types/ColumnOrder.h"
 
 #include <cstdint>
+#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -136,14 +137,21 @@ std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const
                                           const std::vector<ast::Node>& selectList) {
   std::vector<ColumnInfo> columns;
   std::set<ColumnInfo> seen;
+  // The renamed candidates of a column depend only on its original table and name. A suffix
+  // once found taken stays taken (the set only grows), so the search for the next repeat of
+  // the same column starts where the last one stopped: n repeats cost n tries, not n^2 / 2.
+  std::map<std::pair<std::wstring, std::wstring>, int> nextSuffix;
   std::int32_t columnNumber = 1;
   for (const ast::Node& item : selectList) {
     ColumnInfoVisitor visitor(global, scope, &columnNumber);
     visitor.doVisit(item);
     for (ColumnInfo& column : visitor.result()) {
-      // A new name always grows from originalName, never from an alias: x, x1, x2.
-      for (int k = 1; !seen.insert(column).second; ++k) {
-        column = column.rename(column.originalName() + std::to_wstring(k));
+      if (!seen.insert(column).second) {
+        // A new name always grows from originalName, never from an alias: x, x1, x2.
+        int& k = nextSuffix.try_emplace({column.originalTable(), column.originalName()}, 1).first->second;
+        do {
+          column = column.rename(column.originalName() + std::to_wstring(k++));
+        } while (!seen.insert(column).second);
       }
       columns.push_back(std::move(column));
     }

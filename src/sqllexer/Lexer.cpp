@@ -1,6 +1,8 @@
 // The scanning engine's bookkeeping: text window, positions, wide text.
 #include "sqllexer/Lexer.h"
 
+#include "common/WhiteSpace.h"
+
 #include <algorithm>
 #include <cstring>
 #include <iostream>
@@ -10,11 +12,29 @@ namespace velmor::sql {
 
 namespace {
 constexpr std::size_t windowSize = Lexer::maxLexemeWindow + 2;
+
+// Bytes of the UTF-8 sequence that `lead` starts; 1 for a stray byte.
+std::size_t utf8Length(unsigned char lead) { return lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1; }
+
+// The code point at `p`, or 0xFFFF (no white space) for a sequence cut short or malformed.
+char32_t decodeUtf8(const unsigned char* p, const unsigned char* end) {
+  const std::size_t length = utf8Length(*p);
+  if (length == 1) return *p < 0x80 ? *p : 0xFFFF;
+  if (static_cast<std::size_t>(end - p) < length) return 0xFFFF;
+  char32_t cp = *p & (0x7F >> length);
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((p[i] & 0xC0) != 0x80) return 0xFFFF;
+    cp = (cp << 6) | (p[i] & 0x3F);
+  }
+  return cp > 0xFFFF ? 0xFFFF : cp;
 }
+} // namespace
 
 Lexer::Lexer(const std::string& text) {
   const auto* data = reinterpret_cast<const unsigned char*>(text.c_str());
   const std::size_t length = std::strlen(text.c_str());
+  mText = data;
+  mTextSize = text.size();
   mSourceLimit = data + length;
   mEndsAtNul = length != text.size();
   if (length <= maxLexemeWindow) {
@@ -55,6 +75,36 @@ int Lexer::fill(const unsigned char*& cursor, const unsigned char*& marker, cons
   limit = mLimit = start + kept + added;
   start[kept + added] = 0;
   return 0;
+}
+
+void Lexer::noteDropped(const unsigned char* at) {
+  const std::size_t offset = offsetOf(at);
+  if (!mSkipped->empty()) {
+    SkippedText& last = mSkipped->back();
+    if (last.kind == SkippedText::Kind::Dropped && last.offset + last.length == offset) {
+      ++last.length;
+      return;
+    }
+  }
+  mSkipped->push_back({SkippedText::Kind::Dropped, offset, 1, mLine, mColumn});
+}
+
+void Lexer::noteNul(const unsigned char* at) {
+  const std::size_t nul = static_cast<std::size_t>(mSourceLimit - mText);
+  const unsigned char* end = at + (nul - offsetOf(at));
+  // The lexeme under way is dropped with the NUL, unless it is only white space.
+  for (const unsigned char* p = at; p < end; p += utf8Length(*p)) {
+    if (!detail::isWhiteSpace(static_cast<wchar_t>(decodeUtf8(p, end)))) {
+      for (const unsigned char* q = at; q != end; ++q) noteDropped(q);
+      break;
+    }
+  }
+  const int line = mLine;
+  const int column = mColumn;
+  advance(at, end);
+  mSkipped->push_back({SkippedText::Kind::AfterNul, nul, mTextSize - nul, mLine, mColumn});
+  mLine = line;
+  mColumn = column;
 }
 
 void Lexer::lexemeTooLong() {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velmor::sql {
 
@@ -54,6 +55,11 @@ public:
   bool next(Token& token);
 
   Status status() const { return mStatus; }
+
+  /// From now on, appends what the scanner skips (no token, not white space) to `skipped`,
+  /// which must outlive the scanning; null stops it. Off after construction: a parse pays for
+  /// nothing but a test in the rare paths that drop bytes.
+  void reportSkipped(std::vector<SkippedText>* skipped) { mSkipped = skipped; }
   /// Where the next lexeme starts.
   int line() const { return mLine; }
   int column() const { return mColumn; }
@@ -80,11 +86,22 @@ private:
     token.column = mColumn;
   }
   [[noreturn]] void lexemeTooLong();
+  /// Byte offset into the text of a position in the text or the window.
+  std::size_t offsetOf(const unsigned char* at) const {
+    return static_cast<std::size_t>(mSource - mText) - static_cast<std::size_t>(mLimit - at);
+  }
+  /// Records the byte at `at`, dropped, joining it to a range that ends there.
+  void noteDropped(const unsigned char* at);
+  /// Records the lexeme from `at` cut short by the NUL, and the NUL with all after it.
+  void noteNul(const unsigned char* at);
 
   const unsigned char* mCursor;       // where the next lexeme starts (in the text or the window)
   const unsigned char* mLimit;        // where the automaton must ask fill() for more
   const unsigned char* mSource;       // text not yet read into the window
   const unsigned char* mSourceLimit;  // the first NUL byte of the text, or its end
+  const unsigned char* mText;         // the text's first byte
+  std::size_t mTextSize;
+  std::vector<SkippedText>* mSkipped = nullptr;
   bool mEndsAtNul = false;
   std::unique_ptr<unsigned char[]> mWindow;  // only for a text longer than the window
   int mLine = 1;

@@ -51,7 +51,7 @@ bool Lexer::next(Token& token) {
         if (mStatus == Status::Good) mStatus = Status::End;
         goto ended;
       }
-      * { cur = tok + 1; goto skipped; }
+      * { cur = tok + 1; goto dropped; }
       " " { if (mStatus != Status::Good) goto ended; ++mColumn; continue; }
       WS+ { goto skipped; }
 
@@ -168,6 +168,8 @@ bool Lexer::next(Token& token) {
       [-+*/\\(),.]       { id = *tok; goto plain; }
     */
 
+  dropped:
+    if (mSkipped && mStatus == Status::Good) noteDropped(tok);
   skipped:
     // Whitespace and dropped bytes make no token. A NUL reached while reading them ends the
     // text here, as it does for every lexeme under way.
@@ -176,6 +178,7 @@ bool Lexer::next(Token& token) {
   }
 
 ended:
+  if (mSkipped && mStatus == Status::Error) noteNul(tok);
   mCursor = cur;
   return false;
 

@@ -36,6 +36,15 @@ std::string tokenName(std::uint32_t id) {
   return buffer;
 }
 
+std::vector<SkippedText> skippedText(const std::string& text) {
+  SqlLexer lexer(text, nullptr);
+  std::vector<SkippedText> skipped;
+  lexer.reportSkipped(&skipped);
+  while (lexer.lexId(nullptr) != T_TERMINATION) {
+  }
+  return skipped;
+}
+
 std::vector<ScannedToken> tokenize(const std::string& text) {
   SqlLexer lexer(text, nullptr);
   std::vector<ScannedToken> tokens;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 
@@ -56,6 +57,8 @@ struct Case {
   bool parses;
   // Where the error stands: the token being read when the limit was crossed.
   const char* at;
+  // The parser's limit, as a host may set it.
+  int limit = SqlParser::maxNestingDepth;
 };
 
 const Case cases[] = {
@@ -78,6 +81,14 @@ const Case cases[] = {
     {"subqueries", (limit - 3) / 2, true, ""},
     {"subqueries", (limit - 3) / 2 + 1, false, "1:89998"},
     {"subqueries", 10000, false, "1:165013"},
+    // Limits a host sets, lower and higher; below 1 counts as 1.
+    {"unary minus", 99, true, "", 100},
+    {"unary minus", 100, false, "1:202", 100},
+    {"parentheses", 101, false, "1:101", 100},
+    {"plus chain", 50000, true, "", 50000},
+    {"parentheses", 50000, true, "", 50000},
+    {"unary minus", 0, true, "", 0},
+    {"unary minus", 1, false, "1:4", 0},
 };
 
 TEST(NestingLimitTest, DeepTextsParseOrFailAtTheLimit) {
@@ -89,6 +100,7 @@ TEST(NestingLimitTest, DeepTextsParseOrFailAtTheLimit) {
       if (std::string(s.name) == c.shape) shape = &s;
     ASSERT_NE(shape, nullptr) << c.shape;
     const std::string text = shape->text(c.size);
+    parser.nestingLimit = c.limit;
     ASSERT_NO_THROW(parser.parse(text)) << c.shape << " " << c.size;
     EXPECT_EQ(!parser.result.isNull(), c.parses) << c.shape << " " << c.size;
     if (c.parses) {
@@ -98,7 +110,8 @@ TEST(NestingLimitTest, DeepTextsParseOrFailAtTheLimit) {
     ASSERT_EQ(parser.errors.size(), 1u) << c.shape << " " << c.size;
     const auto* error = dynamic_cast<const UnexpectedLexeme*>(parser.errors[0].get());
     ASSERT_NE(error, nullptr);
-    EXPECT_EQ(error->text, "syntax error, nesting too deep (limit 10000)") << c.shape << " " << c.size;
+    EXPECT_EQ(error->text, "syntax error, nesting too deep (limit " + std::to_string(std::max(c.limit, 1)) + ")")
+        << c.shape << " " << c.size;
     EXPECT_EQ(std::string(error->what()), error->text + " at " + c.at) << c.shape << " " << c.size;
   }
 }

@@ -149,6 +149,18 @@ TEST(ScopeTest, TableNamesCompareAsFoldedNames) {
   const TableInfoScope unnamed(ast::TablePrimary{L"", L""}, nullptr);
   EXPECT_TRUE(unnamed.isTableName(L""));
   EXPECT_TRUE(unnamed.columnInfo(L"", L"x").isNull());
+  // Folding stops at a NUL unit: what follows it compares unit for unit.
+  const std::wstring nul(L"t\0X", 3);
+  const TableInfoScope cut(ast::TablePrimary{nul, L""},
+                           GenericTableInfo::create({ColumnInfo(L"x", nullptr, nul)}));
+  const std::pair<std::wstring, bool> nulCases[] = {
+      {nul, true}, {std::wstring(L"T\0X", 3), true}, {std::wstring(L"t\0x", 3), false}, {L"t", false}};
+  for (const auto& [name, same] : nulCases) {
+    EXPECT_EQ(cut.isTableName(name), same) << narrow(name);
+    EXPECT_EQ(cut.isTableName(name), normalized(name) == normalized(nul)) << narrow(name);
+  }
+  EXPECT_FALSE(cut.columnInfo(nul, L"x").isNull());
+  EXPECT_EQ(cut.columnsForAsterisk(nul).size(), 1u);
   for (unsigned unit = 1; unit < 0x80; ++unit) {
     const std::wstring name(1, static_cast<wchar_t>(unit));
     const TableInfoScope scope(ast::TablePrimary{name, L""}, nullptr);

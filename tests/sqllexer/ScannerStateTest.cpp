@@ -1,7 +1,9 @@
 // Locations, wide text hand-over, the trace, the lexeme-size limit, random input.
+#include "common/WhiteSpace.h"
 #include "sqllexer/SqlLexer.h"
 
 #include <velmor/sql/Assert.h>
+#include <velmor/sql/ast/ASTStringValue.h>
 #include <velmor/sql/sqllexer/Tokens.h>
 
 #include <gtest/gtest.h>
@@ -98,6 +100,27 @@ struct SizeCase {
   std::string text;
   bool throws;
 };
+
+// The scanner joins string pieces across exactly the units the literal reader skips, so that
+// every literal it hands over reads back as one value: checked for every unit of the BMP.
+TEST(SqlLexer, StringPiecesJoinAcrossTheReadersWhiteSpace) {
+  for (char32_t unit = 1; unit < 0x10000; ++unit) {
+    if (unit >= 0xD800 && unit < 0xE000) continue;
+    std::string utf8;
+    if (unit < 0x80) {
+      utf8 = std::string(1, static_cast<char>(unit));
+    } else if (unit < 0x800) {
+      utf8 = {static_cast<char>(0xC0 | (unit >> 6)), static_cast<char>(0x80 | (unit & 0x3F))};
+    } else {
+      utf8 = {static_cast<char>(0xE0 | (unit >> 12)), static_cast<char>(0x80 | ((unit >> 6) & 0x3F)),
+              static_cast<char>(0x80 | (unit & 0x3F))};
+    }
+    const auto tokens = tokenize("'a'" + utf8 + "'b'");
+    const bool joined = tokens.size() == 2 && tokens[0].id == T_STRING;
+    ASSERT_EQ(joined, detail::isWhiteSpace(static_cast<wchar_t>(unit))) << std::hex << static_cast<unsigned>(unit);
+    if (joined) EXPECT_EQ(ASTStringValue(tokens[0].text).m_value, L"ab") << std::hex << static_cast<unsigned>(unit);
+  }
+}
 
 TEST(LexemeSize, BoundaryOfTheWindow) {
   const std::string name(window - 1, 'a');

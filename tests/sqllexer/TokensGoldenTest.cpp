@@ -21,7 +21,33 @@ std::string describeTokens(const std::string& input) {
   return out;
 }
 
-const bool registered = (test::registerGolden("Tokens", "sqllexer/tokens.golden", describeTokens), true);
+// data/sqllexer/skipped.golden: what the scanner passes over without a token, as
+// "dropped|after-nul OFFSET+LENGTH at LINE:COLUMN", or "nothing"; texts beyond the window included.
+std::string describeSkipped(const std::string& input) {
+  std::string text = input;
+  // "<N*piece>" stands for N copies of the piece, for texts longer than the scanner's window.
+  for (auto open = text.find('<'); open != std::string::npos; open = text.find('<', open)) {
+    const auto star = text.find('*', open), close = text.find('>', open);
+    if (star == std::string::npos || close == std::string::npos || star > close) break;
+    const std::size_t count = std::stoul(text.substr(open + 1, star - open - 1));
+    const std::string piece = text.substr(star + 1, close - star - 1);
+    std::string copies;
+    for (std::size_t i = 0; i < count; ++i) copies += piece;
+    text.replace(open, close - open + 1, copies);
+    open += copies.size();
+  }
+  std::string out;
+  for (const SkippedText& part : skippedText(text)) {
+    if (!out.empty()) out += '\n';
+    out += part.kind == SkippedText::Kind::Dropped ? "dropped " : "after-nul ";
+    out += std::to_string(part.offset) + '+' + std::to_string(part.length) + " at " + std::to_string(part.line) + ':' +
+           std::to_string(part.column);
+  }
+  return out.empty() ? "nothing" : out;
+}
+
+const bool registered = (test::registerGolden("Tokens", "sqllexer/tokens.golden", describeTokens),
+                         test::registerGolden("Skipped", "sqllexer/skipped.golden", describeSkipped), true);
 
 TEST(TokenNames, AllRanges) {
   const std::pair<std::uint32_t, const char*> cases[] = {

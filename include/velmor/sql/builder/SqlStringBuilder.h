@@ -142,6 +142,22 @@ public:
 protected:
   const StringBuildContext* mContext;
   std::stack<std::wstring, std::deque<std::wstring>> mStack;
+
+private:
+  // The parts of visitQuery: the select list, and the clauses from WHERE on with their hooks.
+  std::wstring selectColumns(const std::vector<ast::Node>& selectList);
+  void appendClauses(std::wstring& clauses, const ast::ExpressionNode& where,
+                     const ast::TypeNode<ast::IntoClause>& into, const std::vector<ast::ExpressionNode>& groupBy,
+                     const ast::ExpressionNode& having, const std::vector<ast::SortSpecification>& orderBy);
+
+  // Chains (operators each in the first operand of the one above, queries each selecting from
+  // a derived table over the next) written in one pass so that the cost stays linear in their
+  // length; only where nothing could observe the inner links.
+  bool writesChainsWhole() const;
+  void writeUnaryChain(std::vector<const ast::Operation*>& chain);
+  void writeInfixChain(std::vector<const ast::Operation*>& chain);
+  static bool nestsQueries(const ast::QuerySpecification& query);
+  void writeQueryChain(const ast::QuerySpecification& top);
 };
 
 } // namespace velmor::sql

@@ -32,12 +32,13 @@ public:
   SqlParser(const SqlParser&) = delete;
   SqlParser& operator=(const SqlParser&) = delete;
 
-  /// The nesting limit. A text fails, with one UnexpectedLexeme "syntax error, nesting too
-  /// deep (limit 10000)" at the token read last when the limit was crossed, if its tree would
-  /// be more than this many nodes deep (a single leaf is 1, `a + b` is 2, `(a)` is 1 as well)
-  /// or if more than this many '(' are open at once. Flat lists (select lists, IN lists, VALUES
-  /// rows, function arguments) add no depth, however long. The later stages and the release of
-  /// a tree walk it recursively; within this limit they fit a thread's default 8 MiB stack.
+  /// The default nesting limit. A text fails, with one UnexpectedLexeme "syntax error, nesting
+  /// too deep (limit 10000)" at the token read last when the limit was crossed, if its tree
+  /// would be more than this many nodes deep (a single leaf is 1, `a + b` is 2, `(a)` is 1 as
+  /// well) or if more than this many '(' are open at once. Flat lists (select lists, IN lists,
+  /// VALUES rows, function arguments) add no depth, however long. The later stages walk a tree
+  /// recursively but need no more than about 150 KiB of the calling thread's stack at any
+  /// depth: below that they go on on stack segments of their own (docs/limits.md).
   static constexpr int maxNestingDepth = 10000;
 
   /// Parses the whole `text` as one statement or one expression. True when `result` holds a
@@ -56,6 +57,11 @@ public:
   std::vector<std::shared_ptr<SqlError>> errors;
   /// Writes each token to std::cerr during parse. Off after construction.
   bool debugTrace = false;
+  /// The nesting limit of the next parse, maxNestingDepth after construction; the error text
+  /// names the limit in force. A value below 1 counts as 1. A host may lower it to bound the
+  /// memory of hostile texts, or raise it: a tree's depth then costs heap (stack segments of
+  /// the walks, up to about 0.6 KiB a level), not stack.
+  int nestingLimit = maxNestingDepth;
 
 private:
   // The automaton, made by the first parse and kept, with its stack, for the next ones.

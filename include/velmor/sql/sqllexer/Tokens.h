@@ -52,4 +52,27 @@ struct ScannedToken {
 /// 131,072-byte window, and std::bad_alloc. Reentrant: no state is shared between calls.
 VELMOR_SQL_API std::vector<ScannedToken> tokenize(const std::string& text);
 
+/// A part of a text that the scanner passed over without a token: what a parse of the text
+/// silently ignores. White space is not listed.
+struct SkippedText {
+  enum class Kind {
+    /// Bytes that match no token (`$`, a backtick, an unclosed quote's opening mark, invalid
+    /// UTF-8), or a lexeme cut short by a NUL; adjacent ones form one range.
+    Dropped,
+    /// A NUL byte, where the text ends for the scanner, and everything after it.
+    AfterNul,
+  };
+  Kind kind = Kind::Dropped;
+  /// Byte offset into the text and length in bytes.
+  std::size_t offset = 0;
+  std::size_t length = 0;
+  /// Where the range starts, counted as token positions are.
+  int line = 1;
+  int column = 1;
+};
+
+/// The ranges of `text` that the scanner skips, in text order; empty when every byte but
+/// white space belongs to a token. Throws as tokenize does. Reentrant.
+VELMOR_SQL_API std::vector<SkippedText> skippedText(const std::string& text);
+
 } // namespace velmor::sql
