@@ -31,11 +31,14 @@ int runColumns(const std::vector<std::string>& args) {
   std::vector<std::string> rest = args;
   const auto catalogue = takeCatalogue("columns", rest);
   if (!catalogue) return exitUsage;
+  const bool strict = takeFlag(rest, "--strict");
   if (auto status = handleOptions("columns", rest)) return *status;
+  const std::string text = readInput(rest);
+  if (!reportSkippedText(text, strict)) return exitFailure;
 
   NoParseContext parseContext;
   sql::SqlParser parser(parseContext);
-  if (!parser.parse(readInput(rest))) {
+  if (!parser.parse(text)) {
     for (const auto& error : parser.errors) std::cerr << error->what() << '\n';
     return exitFailure;
   }

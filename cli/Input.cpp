@@ -3,6 +3,9 @@
 
 #include "Commands.h"
 
+#include <velmor/sql/sqllexer/Tokens.h>
+
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
 
@@ -38,6 +41,63 @@ std::optional<int> handleOptions(const char* command, const std::vector<std::str
     return exitUsage;
   }
   return std::nullopt;
+}
+
+bool takeFlag(std::vector<std::string>& args, const char* flag) {
+  for (auto arg = args.begin(); arg != args.end() && arg->rfind("--", 0) == 0 && *arg != "--"; ++arg) {
+    if (*arg == flag) {
+      args.erase(arg);
+      return true;
+    }
+  }
+  return false;
+}
+
+namespace {
+
+// The skipped bytes as the user typed them: well-formed UTF-8 as it is (a quote or backslash
+// behind a backslash), anything else as \xHH, and a long run cut short.
+std::string shown(const std::string& text, std::size_t offset, std::size_t length) {
+  constexpr std::size_t kMost = 24;
+  const std::size_t end = offset + std::min(length, kMost);
+  std::string out;
+  for (std::size_t i = offset; i < end;) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const std::size_t size = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC2 ? 2 : 1;
+    bool wellFormed = size > 1 ? i + size <= end : (byte >= 0x20 && byte < 0x7F);
+    for (std::size_t k = 1; wellFormed && k < size; ++k) wellFormed = (static_cast<unsigned char>(text[i + k]) & 0xC0) == 0x80;
+    if (!wellFormed) {
+      char escaped[8];
+      std::snprintf(escaped, sizeof escaped, "\\x%02X", byte);
+      out += escaped;
+      ++i;
+      continue;
+    }
+    if (byte == '\'' || byte == '\\') out += '\\';
+    out.append(text, i, size);
+    i += size;
+  }
+  if (length > kMost) out += "...";
+  return out;
+}
+
+} // namespace
+
+bool reportSkippedText(const std::string& text, bool strict) {
+  const char* level = strict ? "error: " : "warning: ";
+  bool clean = true;
+  for (const sql::SkippedText& part : sql::skippedText(text)) {
+    clean = false;
+    std::cerr << level << part.line << ':' << part.column << ": ";
+    if (part.kind == sql::SkippedText::Kind::Dropped) {
+      std::cerr << '\'' << shown(text, part.offset, part.length) << "' is not SQL and was skipped\n";
+    } else {
+      const std::size_t after = part.length - 1;
+      std::cerr << "the text ends at a NUL byte; " << after << (after == 1 ? " byte after it was" : " bytes after it were")
+                << " ignored\n";
+    }
+  }
+  return clean || !strict;
 }
 
 } // namespace velmor::cli

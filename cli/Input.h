@@ -18,4 +18,13 @@ std::string readInput(const std::vector<std::string>& args);
 /// nothing when it should go on. Arguments such as "-1" are text, not options.
 std::optional<int> handleOptions(const char* command, const std::vector<std::string>& args);
 
+/// Removes `flag` from the options in front of the text (the arguments up to the first that does
+/// not start with "--"), wherever it stands among them; true when it was there.
+bool takeFlag(std::vector<std::string>& args, const char* flag);
+
+/// Tells on stderr what a parse of `text` ignores: bytes the scanner skipped ("warning: 1:8: '$'
+/// is not SQL and was skipped") and a NUL that ends the text early. With `strict` these are
+/// errors: the lines say "error:" and the result is false, the subcommand's cue to stop.
+bool reportSkippedText(const std::string& text, bool strict);
+
 } // namespace velmor::cli

@@ -11,9 +11,12 @@
 
 namespace velmor::cli {
 
-int runTree(const std::vector<std::string>& args) {
+int runTree(const std::vector<std::string>& options) {
+  std::vector<std::string> args = options;
+  const bool strict = takeFlag(args, "--strict");
   if (auto status = handleOptions("tree", args)) return *status;
   const std::string text = readInput(args);
+  if (!reportSkippedText(text, strict)) return exitFailure;
 
   const sql::ParseContext context;
   sql::SqlParser parser(context);

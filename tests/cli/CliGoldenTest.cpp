@@ -4,7 +4,7 @@
 // A case in a file:
 //   ## name
 //   $ ARGS...            (split at blanks; {data} stands for tests/data/cli)
-//   < a line of standard input   (any number)
+//   < a line of standard input   (any number; {nul} stands for a NUL byte)
 //   ? STATUS
 //   > a line of standard output  (any number; ">" alone is an empty line)
 //   ! a line of error output     (any number)
@@ -123,7 +123,10 @@ Outcome run(const Case& c) {
   fs::create_directories(scratch);
   {
     std::ofstream input(scratch / "in");
-    for (const auto& line : c.input) input << line << '\n';
+    for (std::string line : c.input) {
+      for (std::size_t at; (at = line.find("{nul}")) != std::string::npos;) line.replace(at, 5, 1, '\0');
+      input << line << '\n';
+    }
   }
   std::string command = shellQuoted(toolPath().string());
   std::istringstream words(c.args);
