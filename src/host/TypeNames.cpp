@@ -174,73 +174,77 @@ std::string setText(const std::set<PlainType>& types) {
 }
 
 // The fields of the classes that carry data, in their declared order.
-std::string fieldsOf(const SqlError& error) {
-
-  std::string f;
-  auto add = [&f](const char* name, const std::string& value) { f += std::string(" ") + name + "=" + value; };
-  if (const auto* e = dynamic_cast<const NonExistentTable*>(&error)) add("tableName", quoted(e->tableName));
-  else if (const auto* e = dynamic_cast<const TableExists*>(&error)) add("tableName", quoted(e->tableName));
-  else if (const auto* e = dynamic_cast<const UnknownTableReference*>(&error)) add("tableName", quoted(e->tableName));
-  else if (const auto* e = dynamic_cast<const NonUniqueTableReference*>(&error)) add("tableName", quoted(e->tableName));
-  else if (const auto* e = dynamic_cast<const AmbiguousTablesReference*>(&error)) add("tableName", quoted(e->tableName));
+std::vector<FaultField> fieldsOf(const SqlError& error) {
+  std::vector<FaultField> f;
+  // A name or a piece of the statement; a count; a flag; a description (types, lists).
+  const auto name = [&f](const char* field, const std::wstring& value) { f.push_back({field, toUtf8(value), true}); };
+  const auto narrowName = [&f](const char* field, const std::string& value) { f.push_back({field, value, true}); };
+  const auto number = [&f](const char* field, std::int64_t value) { f.push_back({field, value, false}); };
+  const auto flag = [&f](const char* field, bool value) { f.push_back({field, value, false}); };
+  const auto add = [&f](const char* field, std::string value) { f.push_back({field, std::move(value), false}); };
+  if (const auto* e = dynamic_cast<const NonExistentTable*>(&error)) name("tableName", e->tableName);
+  else if (const auto* e = dynamic_cast<const TableExists*>(&error)) name("tableName", e->tableName);
+  else if (const auto* e = dynamic_cast<const UnknownTableReference*>(&error)) name("tableName", e->tableName);
+  else if (const auto* e = dynamic_cast<const NonUniqueTableReference*>(&error)) name("tableName", e->tableName);
+  else if (const auto* e = dynamic_cast<const AmbiguousTablesReference*>(&error)) name("tableName", e->tableName);
   else if (const auto* e = dynamic_cast<const UnknownColumnReference*>(&error)) {
-    add("tableName", quoted(e->tableName));
-    add("columnName", quoted(e->columnName));
+    name("tableName", e->tableName);
+    name("columnName", e->columnName);
   } else if (const auto* e = dynamic_cast<const AmbiguousColumnReference*>(&error)) {
-    add("tableName", quoted(e->tableName));
-    add("columnName", quoted(e->columnName));
+    name("tableName", e->tableName);
+    name("columnName", e->columnName);
   } else if (const auto* e = dynamic_cast<const WrongExpressionType*>(&error)) {
     add("actualType", typeText(e->actualType));
     add("expectedTypes", setText(e->expectedTypes));
-    add("text", quoted(e->text));
+    name("text", e->text);
   } else if (const auto* e = dynamic_cast<const CommonColumnTypeMismatch*>(&error)) {
-    add("columnName", quoted(e->columnName));
+    name("columnName", e->columnName);
     add("leftTypes", typesText(e->leftTypes));
     add("rightTypes", typesText(e->rightTypes));
-    add("leftTableName", quoted(e->leftTableName));
-    add("rightTableName", quoted(e->rightTableName));
+    name("leftTableName", e->leftTableName);
+    name("rightTableName", e->rightTableName);
   } else if (const auto* e = dynamic_cast<const NoCommonColumns*>(&error)) {
-    add("leftTableName", quoted(e->leftTableName));
-    add("rightTableName", quoted(e->rightTableName));
+    name("leftTableName", e->leftTableName);
+    name("rightTableName", e->rightTableName);
   } else if (const auto* e = dynamic_cast<const SetClauseTypeMismatch*>(&error)) {
     add("targetTypes", typesText(e->targetTypes));
     add("sourceTypes", typesText(e->sourceTypes));
-    add("columnName", quoted(e->columnName));
+    name("columnName", e->columnName);
   } else if (const auto* e = dynamic_cast<const InsertSourceTypeMismatch*>(&error)) {
     add("targetTypes", typesText(e->targetTypes));
     add("sourceTypes", typesText(e->sourceTypes));
-    add("tableName", quoted(e->tableName));
-    add("text", quoted(e->text));
+    name("tableName", e->tableName);
+    name("text", e->text);
   } else if (const auto* e = dynamic_cast<const BinaryOperationTypeMismatch*>(&error)) {
     add("leftType", typeText(e->leftType));
     add("rightType", typeText(e->rightType));
-    add("leftText", quoted(e->leftText));
-    add("rightText", quoted(e->rightText));
+    name("leftText", e->leftText);
+    name("rightText", e->rightText);
   } else if (const auto* e = dynamic_cast<const UnknownFunction*>(&error)) {
-    add("functionName", quoted(e->functionName));
+    name("functionName", e->functionName);
   } else if (const auto* e = dynamic_cast<const NoGoodFunctionCandidate*>(&error)) {
-    add("functionName", quoted(e->functionName));
+    name("functionName", e->functionName);
     add("argumentTypes", typesText(e->argumentTypes));
     add("candidates", candidatesText(e->candidates));
   } else if (const auto* e = dynamic_cast<const AmbiguousFunctionCall*>(&error)) {
-    add("functionName", quoted(e->functionName));
+    name("functionName", e->functionName);
     add("argumentTypes", typesText(e->argumentTypes));
     add("candidates", candidatesText(e->candidates));
   } else if (const auto* e = dynamic_cast<const WrongParametersArity*>(&error)) {
-    add("functionName", quoted(e->functionName));
-    add("required", std::to_string(e->arity.required));
-    add("optional", std::to_string(e->arity.optional));
-    add("actual", std::to_string(e->arity.actual));
-    add("variadic", e->arity.variadic ? "true" : "false");
+    name("functionName", e->functionName);
+    number("required", static_cast<std::int64_t>(e->arity.required));
+    number("optional", static_cast<std::int64_t>(e->arity.optional));
+    number("actual", static_cast<std::int64_t>(e->arity.actual));
+    flag("variadic", e->arity.variadic);
   } else if (const auto* e = dynamic_cast<const IncompatibleParameterType*>(&error)) {
-    add("functionName", quoted(e->functionName));
-    add("position", std::to_string(e->position));
+    name("functionName", e->functionName);
+    number("position", static_cast<std::int64_t>(e->position));
     add("expectedTypes", setText(e->expectedTypes));
     add("actualType", plainTypeName(e->actualType));
-    add("text", quoted(e->text));
-  } else if (const auto* e = dynamic_cast<const AsteriskIsProhibited*>(&error)) add("text", quoted(e->text));
-  else if (const auto* e = dynamic_cast<const SetQuantifierIsProhibited*>(&error)) add("text", quoted(e->text));
-  else if (const auto* e = dynamic_cast<const UnexpectedParseResult*>(&error)) add("text", quoted(e->text));
+    name("text", e->text);
+  } else if (const auto* e = dynamic_cast<const AsteriskIsProhibited*>(&error)) name("text", e->text);
+  else if (const auto* e = dynamic_cast<const SetQuantifierIsProhibited*>(&error)) name("text", e->text);
+  else if (const auto* e = dynamic_cast<const UnexpectedParseResult*>(&error)) name("text", e->text);
   else if (const auto* e = dynamic_cast<const NoGoodOperatorOverload*>(&error)) {
     add("operation", operationName(e->operation));
     add("argumentTypes", typesText(e->argumentTypes));
@@ -252,14 +256,15 @@ std::string fieldsOf(const SqlError& error) {
   } else if (const auto* e = dynamic_cast<const OperatorNotSupported*>(&error)) {
     add("operation", operationName(e->operation));
   } else if (const auto* e = dynamic_cast<const UnknownLexeme*>(&error)) {
-    add("lexeme", quoted(e->lexeme));
+    name("lexeme", e->lexeme);
   } else if (const auto* e = dynamic_cast<const UnexpectedLexeme*>(&error)) {
-    add("line", std::to_string(e->line));
-    add("column", std::to_string(e->column));
-    add("text", quoted(e->text));
+    number("line", static_cast<std::int64_t>(e->line));
+    number("column", static_cast<std::int64_t>(e->column));
+    narrowName("text", e->text);
   }
   return f;
 }
+
 
 const char* className(const SqlError& error) {
 
@@ -306,8 +311,19 @@ const char* className(const SqlError& error) {
 
 } // namespace
 
+std::vector<FaultField> faultFields(const SqlError& error) { return fieldsOf(error); }
+
+const char* faultClassName(const SqlError& error) { return className(error); }
+
 std::string errorLine(const SqlError& error) {
-  return std::to_string(static_cast<int>(error.type())) + ' ' + className(error) + fieldsOf(error);
+  std::string line = std::to_string(static_cast<int>(error.type())) + ' ' + className(error);
+  for (const FaultField& field : fieldsOf(error)) {
+    line.append(" ").append(field.name).append("=");
+    if (const auto* text = std::get_if<std::string>(&field.value)) line += field.isName ? quoted(*text) : *text;
+    else if (const auto* count = std::get_if<std::int64_t>(&field.value)) line += std::to_string(*count);
+    else line += std::get<bool>(field.value) ? "true" : "false";
+  }
+  return line;
 }
 
 } // namespace velmor::sql::host

@@ -6,10 +6,12 @@
 #include <velmor/sql/errors/SqlError.h>
 #include <velmor/sql/types/Type.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 namespace velmor::sql::host {
@@ -26,8 +28,25 @@ VELMOR_SQL_HOST_API std::string typeText(const std::shared_ptr<Type>& type);
 /// A list of types as "[Integer, VarChar(5)]".
 VELMOR_SQL_HOST_API std::string typesText(const std::vector<std::shared_ptr<Type>>& types);
 
-/// A fault as one line: its type() number, its class name and its fields as name=value, texts
-/// in double quotes (inner ones doubled), types as above, lists in brackets.
+/// One field of a fault, as the fault class declares them, in order.
+struct FaultField {
+  /// The member's name ("tableName", "argumentTypes").
+  const char* name;
+  /// A text (UTF-8), a count or position, or a flag. Types, type sets and candidate lists are
+  /// given as descriptive texts as typeText writes them.
+  std::variant<std::string, std::int64_t, bool> value;
+  /// True when the text is a name or a piece of the statement rather than a description.
+  bool isName;
+};
+
+/// The class name of a fault ("UnknownColumnReference"); "SqlError" for a class of the host's.
+VELMOR_SQL_HOST_API const char* faultClassName(const SqlError& error);
+
+/// The data fields of a fault; empty for the classes that carry none.
+VELMOR_SQL_HOST_API std::vector<FaultField> faultFields(const SqlError& error);
+
+/// A fault as one line: its type() number, its class name and its fields as name=value, names
+/// and texts in double quotes (inner ones doubled), types as above, lists in brackets.
 VELMOR_SQL_HOST_API std::string errorLine(const SqlError& error);
 
 } // namespace velmor::sql::host
