@@ -12,9 +12,22 @@
 #include <exception>
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/common_interface_defs.h>
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
 #define VELMOR_SQL_ASAN 1
+#endif
+#if __has_feature(thread_sanitizer)
+#define VELMOR_SQL_TSAN 1
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+#define VELMOR_SQL_ASAN 1
+#endif
+#if defined(__SANITIZE_THREAD__)
+#define VELMOR_SQL_TSAN 1
+#endif
+#if VELMOR_SQL_ASAN
+#include <sanitizer/common_interface_defs.h>
 #endif
 
 namespace velmor::sql::detail {
@@ -104,7 +117,7 @@ private:
 } // namespace
 
 bool stackIsLow() noexcept {
-#if defined(__SANITIZE_THREAD__)
+#if VELMOR_SQL_TSAN
   // ThreadSanitizer does not follow a switch of stacks on one thread.
   return false;
 #else

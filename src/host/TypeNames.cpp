@@ -119,7 +119,6 @@ std::string quoted(const std::string& utf8) {
   return result + '"';
 }
 
-std::string quoted(const std::wstring& text) { return quoted(toUtf8(text)); }
 
 std::string plainTypesText(const std::vector<PlainType>& types) {
   std::string text;
@@ -177,11 +176,20 @@ std::string setText(const std::set<PlainType>& types) {
 std::vector<FaultField> fieldsOf(const SqlError& error) {
   std::vector<FaultField> f;
   // A name or a piece of the statement; a count; a flag; a description (types, lists).
-  const auto name = [&f](const char* field, const std::wstring& value) { f.push_back({field, toUtf8(value), true}); };
-  const auto narrowName = [&f](const char* field, const std::string& value) { f.push_back({field, value, true}); };
-  const auto number = [&f](const char* field, std::int64_t value) { f.push_back({field, value, false}); };
-  const auto flag = [&f](const char* field, bool value) { f.push_back({field, value, false}); };
-  const auto add = [&f](const char* field, std::string value) { f.push_back({field, std::move(value), false}); };
+  using Kind = FaultField::Kind;
+  const auto field = [&f](const char* name, Kind kind, std::string text, std::int64_t value) {
+    FaultField one;
+    one.name = name;
+    one.kind = kind;
+    one.text = std::move(text);
+    one.number = value;
+    f.push_back(std::move(one));
+  };
+  const auto name = [&](const char* n, const std::wstring& value) { field(n, Kind::Name, toUtf8(value), 0); };
+  const auto narrowName = [&](const char* n, const std::string& value) { field(n, Kind::Name, value, 0); };
+  const auto number = [&](const char* n, std::int64_t value) { field(n, Kind::Number, {}, value); };
+  const auto flag = [&](const char* n, bool value) { field(n, Kind::Flag, {}, value ? 1 : 0); };
+  const auto add = [&](const char* n, std::string value) { field(n, Kind::Description, std::move(value), 0); };
   if (const auto* e = dynamic_cast<const NonExistentTable*>(&error)) name("tableName", e->tableName);
   else if (const auto* e = dynamic_cast<const TableExists*>(&error)) name("tableName", e->tableName);
   else if (const auto* e = dynamic_cast<const UnknownTableReference*>(&error)) name("tableName", e->tableName);
@@ -319,9 +327,12 @@ std::string errorLine(const SqlError& error) {
   std::string line = std::to_string(static_cast<int>(error.type())) + ' ' + className(error);
   for (const FaultField& field : fieldsOf(error)) {
     line.append(" ").append(field.name).append("=");
-    if (const auto* text = std::get_if<std::string>(&field.value)) line += field.isName ? quoted(*text) : *text;
-    else if (const auto* count = std::get_if<std::int64_t>(&field.value)) line += std::to_string(*count);
-    else line += std::get<bool>(field.value) ? "true" : "false";
+    switch (field.kind) {
+    case FaultField::Kind::Name: line += quoted(field.text); break;
+    case FaultField::Kind::Description: line += field.text; break;
+    case FaultField::Kind::Number: line += std::to_string(field.number); break;
+    case FaultField::Kind::Flag: line += field.number != 0 ? "true" : "false"; break;
+    }
   }
   return line;
 }

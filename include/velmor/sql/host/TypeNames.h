@@ -11,7 +11,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 namespace velmor::sql::host {
@@ -30,13 +29,17 @@ VELMOR_SQL_HOST_API std::string typesText(const std::vector<std::shared_ptr<Type
 
 /// One field of a fault, as the fault class declares them, in order.
 struct FaultField {
+  enum class Kind {
+    Name,        ///< `text`: a name or a piece of the statement (UTF-8)
+    Description, ///< `text`: a type, a set of types or a list of candidates as typeText writes them
+    Number,      ///< `number`: a count or a position
+    Flag,        ///< `number`: 0 or 1
+  };
   /// The member's name ("tableName", "argumentTypes").
-  const char* name;
-  /// A text (UTF-8), a count or position, or a flag. Types, type sets and candidate lists are
-  /// given as descriptive texts as typeText writes them.
-  std::variant<std::string, std::int64_t, bool> value;
-  /// True when the text is a name or a piece of the statement rather than a description.
-  bool isName;
+  const char* name = "";
+  Kind kind = Kind::Name;
+  std::string text;
+  std::int64_t number = 0;
 };
 
 /// The class name of a fault ("UnknownColumnReference"); "SqlError" for a class of the host's.

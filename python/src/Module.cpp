@@ -1,0 +1,386 @@
+// The Python module velmor_sql._core: parsing, canonical text, checking and typing against a host
+// kit catalogue. The library works with the GIL released; Python objects are made after.
+#include "JsonTree.h"
+
+#include <velmor/sql/host/Catalogue.h>
+#include <velmor/sql/host/CatalogueFile.h>
+#include <velmor/sql/host/Precedence.h>
+#include <velmor/sql/host/TypeNames.h>
+#include <velmor/sql/host/Utf8.h>
+
+#include <velmor/sql/ast/EnumNames.h>
+#include <velmor/sql/builder/RenameTableBuilder.h>
+#include <velmor/sql/builder/SqlStringBuilder.h>
+#include <velmor/sql/errors/SemanticErrors.h>
+#include <velmor/sql/inference/TypeInferer.h>
+#include <velmor/sql/parser/SqlParser.h>
+#include <velmor/sql/scope/ScopeBuilder.h>
+#include <velmor/sql/sqllexer/Tokens.h>
+#include <velmor/sql/validation/Validator.h>
+
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+
+#include <memory>
+#include <mutex>
+#include <shared_mutex>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace py = pybind11;
+namespace sql = velmor::sql;
+namespace host = velmor::sql::host;
+
+namespace {
+
+// A catalogue as Python holds it: filled by one thread at a time, read by any number; the lock
+// keeps a fill from running under a check on another thread.
+struct PyCatalogue {
+  std::shared_ptr<host::Catalogue> catalogue = std::make_shared<host::Catalogue>();
+  std::shared_ptr<std::shared_mutex> lock = std::make_shared<std::shared_mutex>();
+};
+
+// Errors raised to Python; their classes are made in the package's __init__.
+struct SyntaxFault {
+  std::size_t line, column;
+  std::string message;
+};
+
+py::object g_syntaxError;    // velmor_sql.SqlSyntaxError
+py::object g_catalogueError; // velmor_sql.CatalogueError
+
+[[noreturn]] void raiseSyntax(const SyntaxFault& fault) {
+  py::object error = g_syntaxError(fault.message, fault.line, fault.column);
+  PyErr_SetObject(g_syntaxError.ptr(), error.ptr());
+  throw py::error_already_set();
+}
+
+// Parses with the GIL released; a syntax error is raised once the GIL is back.
+sql::ast::Node parseOrRaise(const std::string& text) {
+  sql::ast::Node tree;
+  std::optional<SyntaxFault> fault;
+  {
+    py::gil_scoped_release free;
+    const sql::ParseContext context;
+    sql::SqlParser parser(context);
+    if (parser.parse(text)) {
+      tree = parser.result;
+    } else {
+      const auto* error = dynamic_cast<const sql::UnexpectedLexeme*>(parser.errors.front().get());
+      fault = SyntaxFault{error ? error->line : 0, error ? error->column : 0, parser.errors.front()->what()};
+    }
+  }
+  if (fault) raiseSyntax(*fault);
+  return tree;
+}
+
+// JSON as Python data without recursion, so that a tree at the nesting limit converts too.
+py::object toPython(const nlohmann::ordered_json& root) {
+  using Json = nlohmann::ordered_json;
+  const auto scalar = [](const Json& value) -> py::object {
+    switch (value.type()) {
+    case Json::value_t::null: return py::none();
+    case Json::value_t::boolean: return py::bool_(value.get<bool>());
+    case Json::value_t::string: return py::str(value.get_ref<const std::string&>());
+    case Json::value_t::number_integer: return py::int_(value.get<std::int64_t>());
+    case Json::value_t::number_unsigned: return py::int_(value.get<std::uint64_t>());
+    case Json::value_t::number_float: return py::float_(value.get<double>());
+    case Json::value_t::object:
+    case Json::value_t::array:
+    case Json::value_t::binary:
+    case Json::value_t::discarded: break;
+    }
+    return py::none();
+  };
+  struct Open {
+    const Json* json;
+    Json::const_iterator next;
+    py::object target;
+  };
+  const auto make = [](const Json& json) -> py::object {
+    if (json.is_object()) return py::dict();
+    return py::list();
+  };
+  if (!root.is_structured()) return scalar(root);
+  py::object result = make(root);
+  std::vector<Open> open{{&root, root.cbegin(), result}};
+  while (!open.empty()) {
+    Open& top = open.back();
+    if (top.next == top.json->cend()) {
+      open.pop_back();
+      continue;
+    }
+    const Json& member = *top.next;
+    py::object value = member.is_structured() ? make(member) : scalar(member);
+    if (top.json->is_object()) {
+      top.target[py::str(top.next.key())] = value;
+    } else {
+      top.target.cast<py::list>().append(value);
+    }
+    ++top.next;
+    if (member.is_structured()) open.push_back({&member, member.cbegin(), value});  // `top` unused after
+  }
+  return result;
+}
+
+py::object parse(const std::string& text) {
+  const sql::ast::Node tree = parseOrRaise(text);
+  nlohmann::ordered_json json;
+  {
+    py::gil_scoped_release free;
+    json = velmor::cli::treeToJson(tree);
+  }
+  return toPython(json);
+}
+
+std::vector<py::tuple> tokens(const std::string& text) {
+  std::vector<sql::ScannedToken> scanned;
+  {
+    py::gil_scoped_release free;
+    scanned = sql::tokenize(text);
+  }
+  std::vector<py::tuple> result;
+  result.reserve(scanned.size());
+  for (const auto& token : scanned) {
+    result.push_back(py::make_tuple(token.line, token.column, sql::tokenName(token.id), host::toUtf8(token.text)));
+  }
+  return result;
+}
+
+// The precedence a text is written with: the grammar's, a catalogue's, or none.
+struct Writing {
+  std::shared_ptr<const sql::StringBuildContext> context;
+  std::shared_ptr<host::Catalogue> keep;
+  std::shared_ptr<std::shared_mutex> lock;
+};
+
+Writing writingOf(const py::object& context) {
+  if (context.is_none()) return {};
+  if (py::isinstance<PyCatalogue>(context)) {
+    const auto& catalogue = context.cast<const PyCatalogue&>();
+    return {catalogue.catalogue, catalogue.catalogue, catalogue.lock};
+  }
+  if (py::isinstance<py::str>(context) && context.cast<std::string>() == "standard") {
+    return {std::make_shared<host::GrammarPrecedence>(), nullptr, nullptr};
+  }
+  throw py::type_error("context must be \"standard\", a Catalogue or None");
+}
+
+std::string writeWith(const std::string& text, const py::object& context, const std::wstring* oldName,
+                      const std::wstring* newName) {
+  const sql::ast::Node tree = parseOrRaise(text);
+  const Writing writing = writingOf(context);
+  py::gil_scoped_release free;
+  std::shared_lock<std::shared_mutex> reading;
+  if (writing.lock) reading = std::shared_lock<std::shared_mutex>(*writing.lock);
+  try {
+    if (oldName) return host::toUtf8(sql::RenameTableBuilder(writing.context.get(), *oldName, *newName).buildString(tree));
+    return host::toUtf8(sql::SqlStringBuilder(writing.context.get()).buildString(tree));
+  } catch (const std::out_of_range& error) {
+    // A tree that has no canonical text (ROW() with no values): a fault of the text, not an index.
+    throw py::value_error(error.what());
+  }
+}
+
+// A fault as plain data: (number, class name, [(field, value)]), made into a Fault in Python.
+py::tuple faultData(const sql::SqlError& error) {
+  py::list fields;
+  for (const host::FaultField& field : host::faultFields(error)) {
+    py::object value;
+    switch (field.kind) {
+    case host::FaultField::Kind::Name:
+    case host::FaultField::Kind::Description: value = py::str(field.text); break;
+    case host::FaultField::Kind::Number: value = py::int_(field.number); break;
+    case host::FaultField::Kind::Flag: value = py::bool_(field.number != 0); break;
+    }
+    fields.append(py::make_tuple(field.name, value));
+  }
+  return py::make_tuple(static_cast<int>(error.type()), host::faultClassName(error), fields, host::errorLine(error));
+}
+
+// Validates a query or an UPDATE; None for a statement that cannot be checked.
+py::object check(const std::string& text, const PyCatalogue& catalogue) {
+  const sql::ast::Node tree = parseOrRaise(text);
+  std::vector<std::shared_ptr<sql::SqlError>> faults;
+  bool checkable = true;
+  {
+    py::gil_scoped_release free;
+    std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
+    sql::Validator validator(*catalogue.catalogue, *catalogue.catalogue);
+    if (sql::ast::nodeIs<sql::ast::QuerySpecification>(tree)) {
+      validator.validate(sql::ast::getNodeValue<sql::ast::QuerySpecification>(tree));
+    } else if (sql::ast::nodeIs<sql::ast::UpdateStatement>(tree)) {
+      validator.validate(sql::ast::getNodeValue<sql::ast::UpdateStatement>(tree));
+    } else {
+      checkable = false;
+    }
+    faults = validator.mErrors;
+  }
+  if (!checkable) {
+    const char* kind = sql::ast::recordName(tree);
+    throw py::value_error(std::string("not checkable: ") + (kind ? kind : "nothing") +
+                          " (only a query specification or an UPDATE can be checked)");
+  }
+  py::list result;
+  for (const auto& fault : faults) result.append(faultData(*fault));
+  return result;
+}
+
+// (name, type, original table, original name) for each result column; a fault is raised as
+// the data of one.
+py::object columns(const std::string& text, const PyCatalogue& catalogue) {
+  const sql::ast::Node tree = parseOrRaise(text);
+  if (!sql::ast::nodeIs<sql::ast::QuerySpecification>(tree)) {
+    const char* kind = sql::ast::recordName(tree);
+    throw py::value_error(std::string("no result columns for ") + (kind ? kind : "nothing") +
+                          " (only a query specification has them)");
+  }
+  std::shared_ptr<sql::TableInfo> table;
+  std::unique_ptr<sql::SqlError> fault;
+  {
+    py::gil_scoped_release free;
+    std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
+    try {
+      table = sql::buildTableInfo(*catalogue.catalogue, *catalogue.catalogue,
+                                  sql::ast::getNodeValue<sql::ast::QuerySpecification>(tree), nullptr);
+    } catch (const sql::SqlError& error) {
+      fault.reset(error.clone());
+    }
+  }
+  if (fault) return py::make_tuple(py::str("fault"), faultData(*fault));
+  py::list result;
+  for (std::size_t i = 0; i < table->columnCount(); ++i) {
+    const sql::ColumnInfo column = table->columnByIndex(i);
+    result.append(py::make_tuple(host::toUtf8(column.canonicalName()), host::typeText(column.type()),
+                                 host::toUtf8(column.originalTable()), host::toUtf8(column.originalName())));
+  }
+  return result;
+}
+
+py::object typeOf(const std::string& text, const PyCatalogue& catalogue, const std::vector<std::string>& tables) {
+  const sql::ast::Node tree = parseOrRaise(text);
+  if (!tree.isExpression()) {
+    const char* kind = sql::ast::recordName(tree);
+    throw py::value_error(std::string("not an expression: ") + (kind ? kind : "nothing"));
+  }
+  std::string type;
+  std::unique_ptr<sql::SqlError> fault;
+  {
+    py::gil_scoped_release free;
+    std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
+    try {
+      // The tables side by side, as in a FROM list without aliases.
+      std::vector<std::shared_ptr<sql::ColumnInfoScope>> scopes;
+      for (const auto& name : tables) {
+        const std::wstring wide = host::fromUtf8(name);
+        auto info = catalogue.catalogue->table(wide);
+        if (!info) throw sql::NonExistentTable(wide);
+        scopes.push_back(std::make_shared<sql::TableInfoScope>(sql::ast::TablePrimary{wide, L""}, std::move(info)));
+      }
+      const sql::JoinScope scope(std::move(scopes));
+      sql::TypeInferer inferer(*catalogue.catalogue, scope);
+      type = host::typeText(inferer.inferType(tree.toExpression()));
+    } catch (const sql::SqlError& error) {
+      fault.reset(error.clone());
+    }
+  }
+  if (fault) return py::make_tuple(py::str("fault"), faultData(*fault));
+  return py::str(type);
+}
+
+// Runs a change of a catalogue under its lock; the kit's faults become CatalogueError.
+template <class Change>
+void change(PyCatalogue& catalogue, Change&& body) {
+  try {
+    std::unique_lock<std::shared_mutex> writing(*catalogue.lock);
+    body(*catalogue.catalogue);
+  } catch (const host::CatalogueError& error) {
+    PyErr_SetString(g_catalogueError.ptr(), error.what());
+    throw py::error_already_set();
+  }
+}
+
+sql::FunctionKind kindNamed(const std::string& kind) {
+  if (kind == "ordinary") return sql::FunctionKind::Ordinary;
+  if (kind == "aggregate") return sql::FunctionKind::Aggregate;
+  if (kind == "context-opaque") return sql::FunctionKind::ContextOpaque;
+  throw py::value_error("kind must be \"ordinary\", \"aggregate\" or \"context-opaque\"");
+}
+
+} // namespace
+
+PYBIND11_MODULE(_core, m) {
+  m.doc() = "velmor-sql's library: parse, write, check and type SQL of a GIS host.";
+  m.def("_set_errors", [](py::object syntax, py::object catalogue) {
+    g_syntaxError = std::move(syntax);
+    g_catalogueError = std::move(catalogue);
+  });
+  m.def("parse", &parse, py::arg("sql"));
+  m.def("tokens", &tokens, py::arg("sql"));
+  m.def("format", [](const std::string& text, const py::object& context) { return writeWith(text, context, nullptr, nullptr); },
+        py::arg("sql"), py::arg("context"));
+  m.def("rename",
+        [](const std::string& text, const std::string& oldName, const std::string& newName, const py::object& context) {
+          const std::wstring from = host::fromUtf8(oldName), to = host::fromUtf8(newName);
+          return writeWith(text, context, &from, &to);
+        },
+        py::arg("sql"), py::arg("old"), py::arg("new"), py::arg("context"));
+  m.def("check", &check, py::arg("sql"), py::arg("catalogue"));
+  m.def("columns", &columns, py::arg("sql"), py::arg("catalogue"));
+  m.def("type_of", &typeOf, py::arg("expression"), py::arg("catalogue"), py::arg("tables"));
+
+  py::class_<PyCatalogue>(m, "Catalogue")
+      .def(py::init<>())
+      .def("add_standard_sql", [](PyCatalogue& self) { change(self, [](host::Catalogue& c) { c.addStandardSql(); }); })
+      .def("load_json_text",
+           [](PyCatalogue& self, const std::string& text, const std::string& source) {
+             change(self, [&](host::Catalogue& c) { host::readCatalogue(c, text, source); });
+           },
+           py::arg("text"), py::arg("source"))
+      .def_static("gis_sample_text", [] { return std::string(host::gisSampleCatalogueText()); })
+      .def("to_json_text",
+           [](PyCatalogue& self) {
+             std::shared_lock<std::shared_mutex> reading(*self.lock);
+             try {
+               return host::writeCatalogue(*self.catalogue);
+             } catch (const host::CatalogueError& error) {
+               PyErr_SetString(g_catalogueError.ptr(), error.what());
+               throw py::error_already_set();
+             }
+           })
+      .def("add_table",
+           [](PyCatalogue& self, const std::string& name, const std::vector<std::pair<std::string, std::string>>& columns) {
+             std::vector<host::Column> list;
+             for (const auto& [column, type] : columns) list.push_back({host::fromUtf8(column), type});
+             change(self, [&](host::Catalogue& c) { c.addTable(host::fromUtf8(name), list); });
+           },
+           py::arg("name"), py::arg("columns"))
+      .def("add_function",
+           [](PyCatalogue& self, const std::string& name, const std::vector<std::string>& params, const std::string& result,
+              const std::vector<std::string>& optional, bool variadic, const std::string& kind) {
+             const sql::FunctionKind functionKind = kindNamed(kind);
+             host::Signature signature{params, host::Result(result), optional, variadic};
+             change(self, [&](host::Catalogue& c) { c.addFunction(host::fromUtf8(name), functionKind, {signature}); });
+           },
+           py::arg("name"), py::arg("params"), py::arg("result"), py::arg("optional"), py::arg("variadic"),
+           py::arg("kind"))
+      .def("add_conversions",
+           [](PyCatalogue& self, const std::vector<std::string>& from, const std::vector<std::string>& to) {
+             change(self, [&](host::Catalogue& c) { c.addConversions(from, to); });
+           },
+           py::arg("from_types"), py::arg("to_types"))
+      .def("table_names",
+           [](const PyCatalogue& self) {
+             std::shared_lock<std::shared_mutex> reading(*self.lock);
+             std::vector<std::string> names;
+             for (const auto& name : self.catalogue->tableNames()) names.push_back(host::toUtf8(name));
+             return names;
+           })
+      .def("function_names", [](const PyCatalogue& self) {
+        std::shared_lock<std::shared_mutex> reading(*self.lock);
+        std::vector<std::string> names;
+        for (const auto& name : self.catalogue->functionNames()) names.push_back(host::toUtf8(name));
+        return names;
+      });
+}

@@ -1,0 +1,197 @@
+"""velmor-sql for Python: parse, write back, check and type the SQL of a GIS host.
+
+    >>> import velmor_sql as vs
+    >>> gis = vs.Catalogue.gis_sample()
+    >>> [f.class_name for f in vs.check("SELECT nosuch FROM parcels", gis)]
+    ['UnknownColumnReference']
+
+Text goes in and comes out as ``str``. Every call releases the GIL while the library works, and
+may be made from any number of threads at once; a catalogue is filled under a lock, so that a
+change never runs under a check on another thread.
+"""
+from __future__ import annotations
+
+import json
+import os
+from typing import Any, NamedTuple, Sequence
+
+from . import _core
+
+
+class SqlSyntaxError(ValueError):
+    """A text that does not parse: the library's message, with the line and column of the
+    token where the parse stopped (both from 1)."""
+
+    def __init__(self, message: str, line: int, column: int) -> None:
+        super().__init__(message)
+        self.message = message
+        self.line = line
+        self.column = column
+
+
+class CatalogueError(ValueError):
+    """A catalogue that cannot be built or read; the message names the place and the fault."""
+
+
+class Fault:
+    """A semantic fault of a statement: its number (the library's error type), its class name,
+    and its fields as attributes (``tableName``, ``columnName``, ``argumentTypes``, ...); texts
+    are ``str``, counts ``int``, flags ``bool``, types as their readable names."""
+
+    def __init__(self, number: int, class_name: str, fields: Sequence[tuple[str, Any]], line: str) -> None:
+        self.number = number
+        self.class_name = class_name
+        self.fields = dict(fields)
+        self._line = line
+        for name, value in fields:
+            setattr(self, name, value)
+
+    def __repr__(self) -> str:
+        return f"Fault({self._line})"
+
+    def __str__(self) -> str:
+        return self._line
+
+    def __eq__(self, other: object) -> bool:
+        return isinstance(other, Fault) and self._line == other._line
+
+    def __hash__(self) -> int:
+        return hash(self._line)
+
+
+class SqlFault(ValueError):
+    """Raised by ``columns`` and ``type_of`` when the statement has a fault; ``fault`` holds it."""
+
+    def __init__(self, fault: Fault) -> None:
+        super().__init__(str(fault))
+        self.fault = fault
+
+
+class Column(NamedTuple):
+    """A result column: its name, its type, and the table and column it comes from ("" for a
+    calculated one)."""
+
+    name: str
+    type: str
+    table: str
+    original_name: str
+
+
+_core._set_errors(SqlSyntaxError, CatalogueError)
+
+
+class Catalogue(_core.Catalogue):
+    """The host kit's in-memory catalogue: tables, functions, operators, conversions, ranking
+    and precedence. Names match without regard to case."""
+
+    @classmethod
+    def standard(cls) -> "Catalogue":
+        """An empty catalogue with the standard SQL set: the built-in operators over the plain
+        types, CASE, CAST, the usual conversions and ranking, and the grammar's precedence."""
+        catalogue = cls()
+        catalogue.add_standard_sql()
+        return catalogue
+
+    @classmethod
+    def gis_sample(cls) -> "Catalogue":
+        """The land-registry sample the velmor-sql tool uses by default."""
+        catalogue = cls()
+        catalogue.load_json_text(cls.gis_sample_text(), "gis-sample")
+        return catalogue
+
+    @classmethod
+    def from_json(cls, source: str | os.PathLike[str] | dict[str, Any], standard: bool = False) -> "Catalogue":
+        """A catalogue from a catalogue file (a path) or its content as a dict, in the format of
+        docs/catalogue.md; with ``standard`` the file builds on the standard SQL set."""
+        catalogue = cls.standard() if standard else cls()
+        catalogue.load_json(source)
+        return catalogue
+
+    def load_json(self, source: str | os.PathLike[str] | dict[str, Any]) -> None:
+        """Adds a catalogue file (a path) or its content as a dict to this catalogue."""
+        if isinstance(source, dict):
+            self.load_json_text(json.dumps(source), "dict")
+            return
+        path = os.fspath(source)
+        try:
+            with open(path, encoding="utf-8") as file:
+                text = file.read()
+        except OSError as error:
+            raise CatalogueError(f"catalogue {path}: cannot be read: {error.strerror}") from None
+        self.load_json_text(text, path)
+
+    def add_table(self, name: str, columns: dict[str, str] | Sequence[tuple[str, str]]) -> None:  # type: ignore[override]
+        """Adds a table; ``columns`` maps each column's name to a type text ("Integer",
+        "VarChar(40)", "Decimal(12,2)", a host type name such as "Geometry")."""
+        pairs = list(columns.items()) if isinstance(columns, dict) else list(columns)
+        super().add_table(name, pairs)
+
+    def add_function(self, name: str, params: Sequence[str], result: str, *,  # type: ignore[override]
+                     optional: Sequence[str] = (), variadic: bool = False, kind: str = "ordinary") -> None:
+        """Adds one overload of a function: parameter type texts (plain or host type names, "any",
+        or a type set such as "numericTypes"), the result type text, optional trailing
+        parameters, whether the last parameter repeats, and the kind: "ordinary", "aggregate"
+        or "context-opaque"."""
+        super().add_function(name, list(params), result, list(optional), variadic, kind)
+
+    def to_json(self) -> dict[str, Any]:
+        """The catalogue as catalogue-file content, which reads back into an equal catalogue."""
+        return json.loads(self.to_json_text())
+
+
+_STANDARD = "standard"
+
+
+def parse(sql: str) -> dict[str, Any]:
+    """The syntax tree of one statement or expression as plain data: dicts whose "node" key
+    names the record kind, with the record's fields in order (as ``velmor-sql tree`` prints).
+    Raises SqlSyntaxError."""
+    return _core.parse(sql)
+
+
+def tokens(sql: str) -> list[tuple[int, int, str, str]]:
+    """The tokens of a text as (line, column, name, text), ending with "<TERMINATION>"; text is
+    empty but for names, numbers and strings."""
+    return _core.tokens(sql)
+
+
+def format(sql: str, context: Catalogue | str | None = _STANDARD) -> str:  # noqa: A001
+    """The canonical text of a statement. ``context`` gives the operators' precedence, which
+    decides the parentheses: "standard" (the grammar's), a catalogue's, or None (every nested
+    operation in parentheses). Raises SqlSyntaxError, or ValueError for a tree that has no
+    canonical text (``ROW()``)."""
+    return _core.format(sql, context)
+
+
+def rename(sql: str, old: str, new: str, context: Catalogue | str | None = _STANDARD) -> str:
+    """The canonical text with the table ``old`` written as ``new`` (exact match; aliases stay)."""
+    return _core.rename(sql, old, new, context)
+
+
+def check(sql: str, catalogue: Catalogue) -> list[Fault]:
+    """The faults of a query or an UPDATE against the catalogue, in the order found; empty when
+    it is valid. Raises SqlSyntaxError, or ValueError for a statement that cannot be checked."""
+    return [Fault(*data) for data in _core.check(sql, catalogue)]
+
+
+def _or_fault(result: Any) -> Any:
+    if isinstance(result, tuple) and len(result) == 2 and result[0] == "fault":
+        raise SqlFault(Fault(*result[1]))
+    return result
+
+
+def columns(sql: str, catalogue: Catalogue) -> list[Column]:
+    """The result columns of a query. Raises SqlSyntaxError, SqlFault, or ValueError for a
+    statement that is no query."""
+    return [Column(*row) for row in _or_fault(_core.columns(sql, catalogue))]
+
+
+def type_of(expression: str, catalogue: Catalogue, tables: Sequence[str] = ()) -> str:
+    """The type of an expression whose columns come from ``tables`` (side by side, as in a FROM
+    list), as "Integer", "VarChar(50)", "Decimal(5,3)", "Tuple(...)". Raises SqlSyntaxError,
+    SqlFault, or ValueError for a text that is no expression."""
+    return _or_fault(_core.type_of(expression, catalogue, list(tables)))
+
+
+__all__ = ["Catalogue", "CatalogueError", "Column", "Fault", "SqlFault", "SqlSyntaxError", "check", "columns",
+           "format", "parse", "rename", "tokens", "type_of"]
