@@ -68,7 +68,7 @@ public:
   void faultAction() override {}
 
 private:
-  // Every value ends in a unit no name holds as such, so that neighbours cannot run together.
+  // Each value goes behind a separator with its length, so that neighbours cannot run together.
   void put(const wchar_t* kind, std::initializer_list<std::wstring> values) {
     text = kind;
     for (const std::wstring& value : values) {
