@@ -118,7 +118,9 @@ TEST(SqlLexer, StringPiecesJoinAcrossTheReadersWhiteSpace) {
     const auto tokens = tokenize("'a'" + utf8 + "'b'");
     const bool joined = tokens.size() == 2 && tokens[0].id == T_STRING;
     ASSERT_EQ(joined, detail::isWhiteSpace(static_cast<wchar_t>(unit))) << std::hex << static_cast<unsigned>(unit);
-    if (joined) EXPECT_EQ(ASTStringValue(tokens[0].text).m_value, L"ab") << std::hex << static_cast<unsigned>(unit);
+    if (joined) {
+      EXPECT_EQ(ASTStringValue(tokens[0].text).m_value, L"ab") << std::hex << static_cast<unsigned>(unit);
+    }
   }
 }
 
