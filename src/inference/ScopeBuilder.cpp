@@ -1,4 +1,5 @@
-// Scope construction from a FROM list and result tables from select lists.
+// Scope construction from a FROM list and result tables from select lists. It lives with
+// inference, whose TypeInferer types the calculated columns; scope/ScopeBuilder.h declares it.
 #include <velmor/sql/scope/ScopeBuilder.h>
 
 #include <velmor/sql/inference/TypeInferer.h>
