@@ -42,21 +42,24 @@ constexpr std::size_t kSegment = 1u << 20;
 
 struct ThreadStack {
   bool known = false;
-  // Lowest address at which a frame may still recurse in place; 0 when unknown.
+  // The stack's lowest address, and the lowest at which a frame may still recurse in place;
+  // both 0 when unknown.
+  std::uintptr_t low = 0;
   std::uintptr_t limit = 0;
 };
 
 thread_local ThreadStack tStack;
 
-std::uintptr_t readLimit() noexcept {
+void readBounds(ThreadStack& stack) noexcept {
   pthread_attr_t attributes;
-  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return 0;
+  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return;
   void* low = nullptr;
   std::size_t size = 0;
   const int failed = pthread_attr_getstack(&attributes, &low, &size);
   pthread_attr_destroy(&attributes);
-  if (failed != 0 || low == nullptr) return 0;
-  return reinterpret_cast<std::uintptr_t>(low) + kReserve;
+  if (failed != 0 || low == nullptr) return;
+  stack.low = reinterpret_cast<std::uintptr_t>(low);
+  stack.limit = stack.low + kReserve;
 }
 
 struct Job {
@@ -123,10 +126,13 @@ bool stackIsLow() noexcept {
 #else
   ThreadStack& stack = tStack;
   if (!stack.known) {
-    stack.limit = readLimit();
+    readBounds(stack);
     stack.known = true;
   }
-  return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)) < stack.limit;
+  // A frame below the stack's lowest address runs on a stack of someone else's (a host's
+  // coroutine or fiber), whose bounds are unknown: it is never taken for low.
+  const auto frame = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+  return frame < stack.limit && frame >= stack.low;
 #endif
 }
 
@@ -141,8 +147,9 @@ void runOnFreshStack(void (*body)(void*), void* argument) {
   makecontext(&job.segment, enterSegment, 0);
 
   ThreadStack& stack = tStack;
-  const std::uintptr_t outerLimit = stack.limit;
-  stack.limit = reinterpret_cast<std::uintptr_t>(segment.low()) + kReserve;
+  const ThreadStack outer = stack;
+  stack.low = reinterpret_cast<std::uintptr_t>(segment.low());
+  stack.limit = stack.low + kReserve;
   tStarting = &job;
 #if VELMOR_SQL_ASAN
   __sanitizer_start_switch_fiber(&job.fakeStack, segment.low(), segment.size());
@@ -151,7 +158,7 @@ void runOnFreshStack(void (*body)(void*), void* argument) {
 #if VELMOR_SQL_ASAN
   __sanitizer_finish_switch_fiber(job.fakeStack, nullptr, nullptr);
 #endif
-  stack.limit = outerLimit;
+  stack = outer;
   if (job.failure) std::rethrow_exception(job.failure);
 }
 

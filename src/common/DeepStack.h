@@ -9,7 +9,8 @@
 namespace velmor::sql::detail {
 
 /// True when less than the reserve is left below the caller's frame on this thread's stack
-/// (or on the segment it runs on). A thread whose bounds are unknown never reports low.
+/// (or on the segment it runs on). A thread whose bounds are unknown, and a frame outside them
+/// (a host's own coroutine stack), never report low.
 bool stackIsLow() noexcept;
 
 /// Runs `body(argument)` on a newly mapped stack segment and returns when it does; what it
