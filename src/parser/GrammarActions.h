@@ -4,6 +4,7 @@
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/parser/SqlParser.h>
 
+#include "ast/NodePool.h"
 #include "parser/SqlParserPrivate.h"
 #include "sqllexer/Location.h"
 #include "sqllexer/SqlLexer.h"
@@ -15,8 +16,16 @@
 
 namespace velmor::sql::grammar {
 
-using ast::makeEmptyNode;
-using ast::makeNode;
+/// makeNode and makeEmptyNode with blocks from the node pool: the next parse reuses the blocks
+/// of the tree released before it. Named apart from them, which argument lookup would also find.
+template <class H = ast::Node, class T>
+H newNode(T&& record) {
+  return ast::detail::makePooledNode<H>(std::forward<T>(record));
+}
+template <class H = ast::Node>
+H newEmptyNode() {
+  return ast::detail::makePooledEmptyNode<H>();
+}
 
 /// The location of a rule's symbol: from the begin of its first part to the end of its last
 /// (an empty rule sits at the end of the symbol before it), as deep as its deepest part.
@@ -65,12 +74,12 @@ inline std::vector<ast::ExpressionNode> appendPair(std::vector<ast::ExpressionNo
 inline ast::ExpressionNode unary(OperationCode code, ast::ExpressionNode operand) {
   std::vector<ast::ExpressionNode> operands;
   operands.push_back(std::move(operand));
-  return makeNode<ast::ExpressionNode>(ast::Operation(code, std::move(operands)));
+  return newNode<ast::ExpressionNode>(ast::Operation(code, std::move(operands)));
 }
 
 inline ast::ExpressionNode binary(OperationCode code, ast::ExpressionNode left, ast::ExpressionNode right,
                                   ast::Quantifier quantifier = ast::Quantifier::None) {
-  return makeNode<ast::ExpressionNode>(ast::Operation(code, std::move(left), std::move(right), quantifier));
+  return newNode<ast::ExpressionNode>(ast::Operation(code, std::move(left), std::move(right), quantifier));
 }
 
 inline ast::ExpressionNode ternary(OperationCode code, ast::ExpressionNode first, ast::ExpressionNode second,
@@ -80,7 +89,7 @@ inline ast::ExpressionNode ternary(OperationCode code, ast::ExpressionNode first
   operands.push_back(std::move(first));
   operands.push_back(std::move(second));
   operands.push_back(std::move(third));
-  return makeNode<ast::ExpressionNode>(ast::Operation(code, std::move(operands)));
+  return newNode<ast::ExpressionNode>(ast::Operation(code, std::move(operands)));
 }
 
 /// The subject first, then the WHEN/THEN pairs, then the ELSE when there is one (a non-empty
@@ -92,20 +101,20 @@ inline ast::ExpressionNode caseOf(ast::ExpressionNode subject, std::vector<ast::
   operands.push_back(std::move(subject));
   for (ast::ExpressionNode& operand : pairs) operands.push_back(std::move(operand));
   if (otherwise.mImpl) operands.push_back(std::move(otherwise));
-  return makeNode<ast::ExpressionNode>(ast::Operation(OperationCode::Case, std::move(operands)));
+  return newNode<ast::ExpressionNode>(ast::Operation(OperationCode::Case, std::move(operands)));
 }
 
 inline ast::ExpressionNode truthOf(TernaryLogic::Value value) {
-  return makeNode<ast::ExpressionNode>(ast::TernaryLogicNode{TernaryLogic(value)});
+  return newNode<ast::ExpressionNode>(ast::TernaryLogicNode{TernaryLogic(value)});
 }
 
 inline ast::ExpressionNode numberOf(ast::NumberKind kind, std::wstring text) {
-  return makeNode<ast::ExpressionNode>(ast::Number{kind, std::move(text)});
+  return newNode<ast::ExpressionNode>(ast::Number{kind, std::move(text)});
 }
 
 inline ast::ExpressionNode functionOf(std::wstring name, bool asterisk, ast::SetQuantifier quantifier,
                                       std::vector<ast::ExpressionNode>&& arguments) {
-  return makeNode<ast::ExpressionNode>(ast::Function{std::move(name), asterisk, quantifier, std::move(arguments)});
+  return newNode<ast::ExpressionNode>(ast::Function{std::move(name), asterisk, quantifier, std::move(arguments)});
 }
 
 inline ast::LimitSpecification limitOf(std::wstring limit, std::wstring offset) {
@@ -116,13 +125,13 @@ inline ast::LimitSpecification limitOf(std::wstring limit, std::wstring offset) 
 /// A set operation is DISTINCT unless ALL is written.
 inline ast::QueryExpressionNode queryOperation(ast::QueryOperationCode code, ast::SetQuantifier quantifier,
                                                ast::QueryExpressionNode left, ast::QueryExpressionNode right) {
-  return makeNode<ast::QueryExpressionNode>(
+  return newNode<ast::QueryExpressionNode>(
       ast::QueryOperation{code, quantifier != ast::SetQuantifier::All, std::move(left), std::move(right)});
 }
 
 inline ast::QueryExpressionNode joinOf(ast::Join type, ast::QueryExpressionNode left, ast::QueryExpressionNode right,
                                        ast::Node specification) {
-  return makeNode<ast::QueryExpressionNode>(
+  return newNode<ast::QueryExpressionNode>(
       ast::JoinNode{type, std::move(left), std::move(right), std::move(specification)});
 }
 
@@ -131,7 +140,7 @@ inline ast::QueryExpressionNode querySpecification(
     ast::SetQuantifier quantifier, std::vector<ast::Node>&& selectList, ast::TypeNode<ast::IntoClause> into,
     std::vector<ast::QueryExpressionNode>&& from, ast::ExpressionNode where, std::vector<ast::ExpressionNode>&& groupBy,
     ast::ExpressionNode having, std::vector<ast::SortSpecification>&& orderBy, ast::LimitSpecification limit) {
-  return makeNode<ast::QueryExpressionNode>(ast::QuerySpecification{
+  return newNode<ast::QueryExpressionNode>(ast::QuerySpecification{
       quantifier == ast::SetQuantifier::Distinct, std::move(selectList), std::move(into), std::move(from),
       std::move(where), std::move(groupBy), std::move(orderBy), std::move(having), std::move(limit)});
 }
