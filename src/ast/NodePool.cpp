@@ -2,16 +2,15 @@
 // without going through malloc, whose own per-thread cache holds only a few blocks of a size.
 #include "ast/NodePool.h"
 
-#include <cstdint>
 
 namespace velmor::sql::ast::detail {
 namespace {
 
 constexpr std::size_t kGrain = 16;
 constexpr std::size_t kClasses = poolBlockLimit / kGrain;
-// Blocks kept per size class and thread; a thread that releases what others built keeps no
-// more than this, so memory stays bounded (about 1 MiB a thread at most).
-constexpr std::uint32_t kKeep = 512;
+// Bytes a thread keeps on its lists, whatever their sizes: enough for the largest trees of a
+// statement corpus, and a bound for a thread that releases what others built.
+constexpr std::size_t kKeepBytes = std::size_t{1} << 20;
 
 struct FreeBlock {
   FreeBlock* next;
@@ -21,7 +20,7 @@ struct FreeBlock {
 // while the thread's other thread-locals die (a tree released from one of their destructors).
 struct Cache {
   FreeBlock* heads[kClasses];
-  std::uint32_t counts[kClasses];
+  std::size_t keptBytes;
   bool armed;   // the drain below is registered
   bool closed;  // the drain ran: blocks go straight back to operator delete
 };
@@ -33,8 +32,8 @@ void drain(Cache& cache) noexcept {
       cache.heads[i] = block->next;
       ::operator delete(block);
     }
-    cache.counts[i] = 0;
   }
+  cache.keptBytes = 0;
 }
 
 // Gives the thread's blocks back when the thread ends.
@@ -57,7 +56,7 @@ void* poolAllocate(std::size_t bytes) {
   Cache& cache = tCache;
   if (FreeBlock* block = cache.heads[index]) {
     cache.heads[index] = block->next;
-    --cache.counts[index];
+    cache.keptBytes -= (index + 1) * kGrain;
     return block;
   }
   // Every block of a class has the class's full size, whichever size asked for it first.
@@ -71,7 +70,8 @@ void poolDeallocate(void* block, std::size_t bytes) noexcept {
   }
   const std::size_t index = classOf(bytes);
   Cache& cache = tCache;
-  if (cache.closed || cache.counts[index] >= kKeep) {
+  const std::size_t blockBytes = (index + 1) * kGrain;
+  if (cache.closed || cache.keptBytes + blockBytes > kKeepBytes) {
     ::operator delete(block);
     return;
   }
@@ -83,7 +83,7 @@ void poolDeallocate(void* block, std::size_t bytes) noexcept {
   auto* kept = static_cast<FreeBlock*>(block);
   kept->next = cache.heads[index];
   cache.heads[index] = kept;
-  ++cache.counts[index];
+  cache.keptBytes += blockBytes;
 }
 
 } // namespace velmor::sql::ast::detail

@@ -39,7 +39,7 @@ void release(const Blocks& blocks) {
 TEST(NodePool, BlocksMoveBetweenThreadsAndDieWithThem) {
   struct Case {
     const char* name;
-    int rounds;  // 600 rounds pass the number of blocks a thread keeps of a size
+    int rounds;  // 600 rounds pass the bytes a thread keeps
   };
   for (const Case& c : {Case{"few", 3}, Case{"beyond what a thread keeps", 600}}) {
     SCOPED_TRACE(c.name);
