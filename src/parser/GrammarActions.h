@@ -27,6 +27,9 @@ H newEmptyNode() {
   return ast::detail::makePooledEmptyNode<H>();
 }
 
+/// The wide text of a token, moved out of the session: each token's text goes to one record.
+inline std::wstring take(ParseSession& session, TextIndex index) { return std::move((*session.texts)[index]); }
+
 /// The location of a rule's symbol: from the begin of its first part to the end of its last
 /// (an empty rule sits at the end of the symbol before it), as deep as its deepest part.
 /// `parts[1]` to `parts[count]` are the rule's parts, `parts[0]` the symbol below them.
