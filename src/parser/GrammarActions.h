@@ -28,7 +28,11 @@ H newEmptyNode() {
 }
 
 /// The wide text of a token, moved out of the session: each token's text goes to one record.
-inline std::wstring take(ParseSession& session, TextIndex index) { return std::move((*session.texts)[index]); }
+/// An omitted optional name (noText) is the empty text.
+inline std::wstring take(ParseSession& session, TextIndex index) {
+  if (index == noText) return {};
+  return std::move((*session.texts)[index]);
+}
 
 /// The location of a rule's symbol: from the begin of its first part to the end of its last
 /// (an empty rule sits at the end of the symbol before it), as deep as its deepest part.
