@@ -6,6 +6,20 @@
 namespace velmor::sql::ast::detail {
 namespace {
 
+// Under AddressSanitizer every block goes straight back, so that a node used after its release
+// is still caught.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kPooling = false;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool kPooling = false;
+#else
+constexpr bool kPooling = true;
+#endif
+#else
+constexpr bool kPooling = true;
+#endif
+
 constexpr std::size_t kGrain = 16;
 constexpr std::size_t kClasses = poolBlockLimit / kGrain;
 // Bytes a thread keeps on its lists, whatever their sizes: enough for the largest trees of a
@@ -51,7 +65,7 @@ std::size_t classOf(std::size_t bytes) noexcept { return (bytes - 1) / kGrain; }
 } // namespace
 
 void* poolAllocate(std::size_t bytes) {
-  if (bytes == 0 || bytes > poolBlockLimit) return ::operator new(bytes);
+  if (!kPooling || bytes == 0 || bytes > poolBlockLimit) return ::operator new(bytes);
   const std::size_t index = classOf(bytes);
   Cache& cache = tCache;
   if (FreeBlock* block = cache.heads[index]) {
@@ -64,7 +78,7 @@ void* poolAllocate(std::size_t bytes) {
 }
 
 void poolDeallocate(void* block, std::size_t bytes) noexcept {
-  if (bytes == 0 || bytes > poolBlockLimit) {
+  if (!kPooling || bytes == 0 || bytes > poolBlockLimit) {
     ::operator delete(block);
     return;
   }
