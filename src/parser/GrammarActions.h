@@ -10,6 +10,7 @@
 #include "sqllexer/SqlLexer.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -60,6 +61,11 @@ inline void nest(Location& location, const ParseSession& session) {
 
 /// A list that grows by append: room for four from the start saves the first regrowths, which
 /// most select lists, argument lists and value rows would otherwise take.
+template <class T>
+std::unique_ptr<std::decay_t<T>> boxed(T&& record) {
+  return std::make_unique<std::decay_t<T>>(std::forward<T>(record));
+}
+
 template <class T>
 std::vector<std::decay_t<T>> listOf(T&& first) {
   std::vector<std::decay_t<T>> list;
@@ -145,14 +151,17 @@ inline ast::QueryExpressionNode joinOf(ast::Join type, ast::QueryExpressionNode 
       ast::JoinNode{type, std::move(left), std::move(right), std::move(specification)});
 }
 
-/// A query is DISTINCT only when the word is written.
+/// A query is DISTINCT only when the word is written; without a LIMIT or OFFSET clause (a null
+/// limit) both numbers are empty.
 inline ast::QueryExpressionNode querySpecification(
     ast::SetQuantifier quantifier, std::vector<ast::Node>&& selectList, ast::TypeNode<ast::IntoClause> into,
     std::vector<ast::QueryExpressionNode>&& from, ast::ExpressionNode where, std::vector<ast::ExpressionNode>&& groupBy,
-    ast::ExpressionNode having, std::vector<ast::SortSpecification>&& orderBy, ast::LimitSpecification limit) {
+    ast::ExpressionNode having, std::vector<ast::SortSpecification>&& orderBy,
+    std::unique_ptr<ast::LimitSpecification> limit) {
   return newNode<ast::QueryExpressionNode>(ast::QuerySpecification{
       quantifier == ast::SetQuantifier::Distinct, std::move(selectList), std::move(into), std::move(from),
-      std::move(where), std::move(groupBy), std::move(orderBy), std::move(having), std::move(limit)});
+      std::move(where), std::move(groupBy), std::move(orderBy), std::move(having),
+      limit ? std::move(*limit) : limitOf({}, {})});
 }
 
 } // namespace velmor::sql::grammar
