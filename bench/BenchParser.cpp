@@ -1,22 +1,34 @@
-// Parses every statement of the benchmark corpus from memory, one tree at a time.
+// Parses every statement of the benchmark corpus and of its sample from memory, one tree at a
+// time, beside scan-only passes over the same text; and long generated texts.
 #include <velmor/sql/parser/SqlParser.h>
 
 #include "parser/SqlParserPrivate.h"
 #include "sqllexer/SqlLexer.h"
+
+#include <velmor/sql/sqllexer/Tokens.h>
 
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
 #include <fstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
 
-std::vector<std::string> loadCorpus() {
-  // The environment may point elsewhere when the tree is checked out away from the corpus.
+// The environment may point elsewhere when the tree is checked out away from the corpus; the
+// sample (every tenth statement) sits beside the whole corpus.
+std::string corpusPath(const char* file) {
   const char* path = std::getenv("VELMOR_BENCH_CORPUS");
-  std::ifstream in(path ? path : VELMOR_BENCH_CORPUS);
+  std::string whole = path ? path : VELMOR_BENCH_CORPUS;
+  if (std::string_view(file) == "common") return whole;
+  const std::size_t slash = whole.find_last_of('/');
+  return (slash == std::string::npos ? std::string() : whole.substr(0, slash + 1)) + "corpus-sample.sql";
+}
+
+std::vector<std::string> loadStatements(const std::string& path) {
+  std::ifstream in(path);
   std::vector<std::string> statements;
   for (std::string line; std::getline(in, line);) {
     if (!line.empty()) statements.push_back(line);
@@ -24,27 +36,69 @@ std::vector<std::string> loadCorpus() {
   return statements;
 }
 
-void BM_ParseCorpus(benchmark::State& state) {
-  static const std::vector<std::string> corpus = loadCorpus();
-  std::size_t bytes = 0;
-  for (const std::string& statement : corpus) bytes += statement.size();
+const std::vector<std::string>& corpus(const char* which) {
+  static const std::vector<std::string> common = loadStatements(corpusPath("common"));
+  static const std::vector<std::string> sample = loadStatements(corpusPath("sample"));
+  return std::string_view(which) == "common" ? common : sample;
+}
 
+void setCounters(benchmark::State& state, const std::vector<std::string>& statements) {
+  std::size_t bytes = 0;
+  for (const std::string& statement : statements) bytes += statement.size();
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * bytes));
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * statements.size()));
+}
+
+// Parse and scan-only passes over the same statements, side by side in one run: compare
+// within a run, since wall-clock figures drift between runs on a shared machine.
+void BM_Parse(benchmark::State& state, const char* which) {
+  const std::vector<std::string>& statements = corpus(which);
+  if (statements.empty()) state.SkipWithError("the corpus is missing or empty");
   const velmor::sql::ParseContext context;
   velmor::sql::SqlParser parser(context);
   std::size_t failures = 0;
-  if (corpus.empty()) state.SkipWithError("the corpus is missing or empty");
   for (auto _ : state) {
-    for (const std::string& statement : corpus) {
+    for (const std::string& statement : statements) {
       // Each parse releases the previous tree, so memory stays flat.
       if (!parser.parse(statement)) ++failures;
       benchmark::DoNotOptimize(parser.result);
     }
   }
   if (failures != 0) state.SkipWithError("a corpus statement failed to parse");
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * bytes));
-  state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * corpus.size()));
+  setCounters(state, statements);
 }
-BENCHMARK(BM_ParseCorpus)->Unit(benchmark::kMillisecond);
+
+// What the parser asks of the scanner: every token's id, location and wide text.
+void BM_Scan(benchmark::State& state, const char* which) {
+  const std::vector<std::string>& statements = corpus(which);
+  if (statements.empty()) state.SkipWithError("the corpus is missing or empty");
+  std::wstring text;
+  for (auto _ : state) {
+    for (const std::string& statement : statements) {
+      velmor::sql::SqlLexer lexer(statement, nullptr);
+      velmor::sql::Location location;
+      while (lexer.lex(&text, &location) != velmor::sql::T_TERMINATION) benchmark::DoNotOptimize(text.data());
+    }
+  }
+  setCounters(state, statements);
+}
+
+// The public tokenizer, which also copies every token out.
+void BM_Tokenize(benchmark::State& state, const char* which) {
+  const std::vector<std::string>& statements = corpus(which);
+  if (statements.empty()) state.SkipWithError("the corpus is missing or empty");
+  for (auto _ : state) {
+    for (const std::string& statement : statements) benchmark::DoNotOptimize(velmor::sql::tokenize(statement));
+  }
+  setCounters(state, statements);
+}
+
+BENCHMARK_CAPTURE(BM_Parse, corpus, "common")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Scan, corpus, "common")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Tokenize, corpus, "common")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Parse, sample, "sample")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Scan, sample, "sample")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Tokenize, sample, "sample")->Unit(benchmark::kMillisecond);
 
 // The cost that keeping the automaton saves a parse: scanner and automaton with its initial
 // stack, built and destroyed.

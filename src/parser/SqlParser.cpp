@@ -21,9 +21,11 @@ int yylex(Parser::value_type* value, Location* location, ParseSession& session) 
   SqlLexer& lexer = *session.lexer;
   const int id = lexer.lexId(location);
   // Only the five text tokens have a value slot; giving another token one would never be freed.
+  // Their text waits in the session, and the slot holds where.
   if (carriesText(static_cast<std::uint32_t>(id))) {
     const std::string_view bytes = lexer.token().text;
-    std::wstring& text = value->emplace<std::wstring>();
+    value->emplace<TextIndex>(session.texts->size());
+    std::wstring& text = session.texts->emplace_back();
     Lexer::assignWide(bytes, text);
     // Widening sizes the text by its bytes; non-ASCII text needs fewer units than that.
     if (text.size() != bytes.size()) text.shrink_to_fit();
@@ -72,13 +74,15 @@ void SqlParserPrivate::error(const location_type& location, const std::string& m
 
 int SqlParserPrivate::run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors,
                           int nestingLimit) {
-  mSession = ParseSession{&lexer, &result, &context, nestingLimit};
+  mSession = ParseSession{&lexer, &result, &context, nestingLimit, &mTexts};
   mErrors = errors;
   struct Reset {
     SqlParserPrivate& automaton;
     ~Reset() {
       automaton.mSession = {};
       automaton.mErrors = nullptr;
+      // Texts that no rule took (a failed parse) go; the list's room stays for the next text.
+      automaton.mTexts.clear();
     }
   } reset{*this};
   return parse();

@@ -38,6 +38,7 @@ public:
 private:
   ParseSession mSession;
   ErrorList* mErrors = nullptr;
+  std::vector<std::wstring> mTexts;
 };
 
 } // namespace velmor::sql

@@ -2,16 +2,15 @@
 #pragma once
 
 #include <ostream>
-#include <string>
 
 namespace velmor::sql {
 
-/// A point in the text. Lines and columns start at 1; `filename` is always null here.
+/// A point in the text. Lines and columns start at 1. There is no file name: every parse reads
+/// one text, and locations are copied on every shift and reduction, so they stay small.
 struct Position {
   Position() = default;
   Position(int line, int column) : line(line), column(column) {}
 
-  const std::string* filename = nullptr;
   int line = 1;
   int column = 1;
 };
@@ -29,17 +28,15 @@ struct Location {
 };
 
 inline bool operator==(const Position& a, const Position& b) {
-  return a.line == b.line && a.column == b.column &&
-         (a.filename == b.filename || (a.filename && b.filename && *a.filename == *b.filename));
+  return a.line == b.line && a.column == b.column;
 }
 
 inline bool operator==(const Location& a, const Location& b) {
   return a.begin == b.begin && a.end == b.end;
 }
 
-/// "LINE.COLUMN", preceded by "FILE:" when there is a file name.
+/// "LINE.COLUMN".
 inline std::ostream& operator<<(std::ostream& out, const Position& position) {
-  if (position.filename) out << *position.filename << ':';
   return out << position.line << '.' << position.column;
 }
 

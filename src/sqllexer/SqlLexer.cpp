@@ -18,31 +18,16 @@ int SqlLexer::lex(std::wstring* semantic, Location* location) {
   return id;
 }
 
-int SqlLexer::lexId(Location* location) {
-  if (!next(mToken)) {
-    mToken.text = {};
-    mToken.id = T_TERMINATION;
-    mToken.line = line();
-    mToken.column = column();
-  }
+void SqlLexer::endOfText() {
+  mToken.text = {};
+  mToken.id = T_TERMINATION;
+  mToken.line = line();
+  mToken.column = column();
+}
 
-  if (mToken.id == '(') {
-    ++mOpenParentheses;
-  } else if (mToken.id == ')' && mOpenParentheses > 0) {
-    --mOpenParentheses;
-  }
-
-  if (mTrace) {
-    // The token's text is kept in UTF-8 too, which is what the stream wants.
-    std::cerr << tokenName(mToken.id) << ' ' << mToken.text << '\n' << std::flush;
-  }
-
-  if (location) {
-    location->begin = Position(mToken.line, mToken.column);
-    location->end = Position(mToken.line, mToken.column + static_cast<int>(mToken.text.size()) + 1);
-    location->depth = 0;
-  }
-  return static_cast<int>(mToken.id);
+void SqlLexer::traceToken() const {
+  // The token's text is kept in UTF-8 too, which is what the stream wants.
+  std::cerr << tokenName(mToken.id) << ' ' << mToken.text << '\n' << std::flush;
 }
 
 void SqlLexer::unknownLexeme(const std::wstring& lexeme) {

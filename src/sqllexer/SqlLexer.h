@@ -46,11 +46,34 @@ public:
   int openParentheses() const { return mOpenParentheses; }
 
 private:
+  void endOfText();
+  void traceToken() const;
+
   ErrorList* mErrors;
   Token mToken;
   std::wstring mScratch;   // the wide text when the caller gives no semantic slot
   bool mTrace = false;
   int mOpenParentheses = 0;
 };
+
+// Inline: the parser asks for every token through it.
+inline int SqlLexer::lexId(Location* location) {
+  if (!next(mToken)) endOfText();
+
+  if (mToken.id == '(') {
+    ++mOpenParentheses;
+  } else if (mToken.id == ')' && mOpenParentheses > 0) {
+    --mOpenParentheses;
+  }
+
+  if (mTrace) traceToken();
+
+  if (location) {
+    location->begin = Position(mToken.line, mToken.column);
+    location->end = Position(mToken.line, mToken.column + static_cast<int>(mToken.text.size()) + 1);
+    location->depth = 0;
+  }
+  return static_cast<int>(mToken.id);
+}
 
 } // namespace velmor::sql
