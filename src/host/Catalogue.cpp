@@ -457,7 +457,10 @@ void Catalogue::addOperator(OperationCode code, const std::vector<OperatorSignat
 std::vector<std::shared_ptr<OperatorOverloadInfo>> Catalogue::overloadsOf(const OperatorSignature& signature) const {
   std::vector<std::shared_ptr<OperatorOverloadInfo>> overloads;
   {
-    const auto [fewest, most] = signature.times;
+    // Plain names, not a structured binding: clang, which builds the fuzz targets, does not let a
+    // lambda capture one.
+    const int fewest = signature.times.first;
+    const int most = signature.times.second;
     if (fewest < 0 || most < fewest || most > 1024) throw CatalogueError("expected 0 <= fewest <= most <= 1024");
     if (signature.params.empty() && signature.repeat.empty() && signature.tail.empty())
       throw CatalogueError("an operator overload needs parameters");
