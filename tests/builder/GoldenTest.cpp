@@ -10,6 +10,7 @@
 #include <velmor/sql/host/Precedence.h>
 
 #include <velmor/sql/builder/RenameTableBuilder.h>
+#include <velmor/sql/host/Utf8.h>
 #include <velmor/sql/builder/SqlStringBuilder.h>
 #include <velmor/sql/parser/SqlParser.h>
 
@@ -62,58 +63,8 @@ bool isRoundTripException(const std::string& input) {
   return false;
 }
 
-std::string toUtf8(const std::wstring& units) {
-  std::string out;
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    std::uint32_t code = static_cast<std::uint32_t>(units[i]) & 0xFFFFu;
-    if (code >= 0xD800 && code < 0xDC00 && i + 1 < units.size()) {
-      const std::uint32_t low = static_cast<std::uint32_t>(units[i + 1]) & 0xFFFFu;
-      if (low >= 0xDC00 && low < 0xE000) {
-        code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
-        ++i;
-      }
-    }
-    if (code < 0x80) {
-      out += static_cast<char>(code);
-    } else if (code < 0x800) {
-      out += static_cast<char>(0xC0 | (code >> 6));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-      out += static_cast<char>(0xE0 | (code >> 12));
-      out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (code >> 18));
-      out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    }
-  }
-  return out;
-}
-
-std::wstring fromUtf8(const std::string& bytes) {
-  std::wstring units;
-  for (std::size_t i = 0; i < bytes.size();) {
-    const auto lead = static_cast<unsigned char>(bytes[i]);
-    std::uint32_t code = lead;
-    std::size_t length = 1;
-    if (lead >= 0xF0) { code = lead & 0x07u; length = 4; }
-    else if (lead >= 0xE0) { code = lead & 0x0Fu; length = 3; }
-    else if (lead >= 0xC0) { code = lead & 0x1Fu; length = 2; }
-    for (std::size_t k = 1; k < length && i + k < bytes.size(); ++k)
-      code = (code << 6) | (static_cast<unsigned char>(bytes[i + k]) & 0x3Fu);
-    i += length;
-    if (code >= 0x10000) {
-      code -= 0x10000;
-      units += static_cast<wchar_t>(0xD800 + (code >> 10));
-      units += static_cast<wchar_t>(0xDC00 + (code & 0x3FF));
-    } else {
-      units += static_cast<wchar_t>(code);
-    }
-  }
-  return units;
-}
+using host::fromUtf8;
+using host::toUtf8;
 
 class NoParseContext : public ParseContext {};
 
