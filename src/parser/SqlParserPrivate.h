@@ -30,7 +30,9 @@ public:
 
   /// Parses the text of `lexer` into `result`; syntax errors go to `errors`. Returns what
   /// Parser::parse returns; lets what it lets through pass.
-  int run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors, int nestingLimit);
+  /// When `ranges` is not null, tokens and nodes are noted in it.
+  int run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors, int nestingLimit,
+          RangeRecorder* ranges = nullptr);
 
   /// Appends an UnexpectedLexeme at the location's begin.
   void error(const location_type& location, const std::string& message) override;
