@@ -7,6 +7,7 @@ namespace velmor::sql {
 
 struct FaultPlaces::State : detail::WalkWatch {
   std::unordered_map<const SqlError*, const ast::NodeInterface*> places;
+  const void* marked = nullptr;
 };
 
 FaultPlaces::FaultPlaces() : mState(std::make_unique<State>()), mOuter(detail::setWalkWatch(mState.get())) {}
@@ -45,6 +46,17 @@ void noteListedFault(const SqlError& fault) noexcept {
 }
 
 void noteFaultAt(const SqlError& fault, const ast::Node& node) noexcept { note(fault, node.mImpl.get()); }
+
+void markFaultPlace() noexcept {
+  if (FaultPlaces::State* state = watching()) state->marked = state->current;
+}
+
+void noteMarkedFault(const SqlError& fault) noexcept {
+  if (FaultPlaces::State* state = watching()) {
+    note(fault, state->marked);
+    state->marked = nullptr;
+  }
+}
 } // namespace detail
 
 } // namespace velmor::sql

@@ -56,8 +56,10 @@ bool Validator::validate(const ast::QuerySpecification& query) {
     for (const auto& sort : query.orderBy) inferer.inferType(sort.key);
     for (const auto& key : query.groupBy) inferer.inferType(key);
 
-    if (ContextCheckVisitor(mGlobalContext).isContext(query))
+    if (ContextCheckVisitor(mGlobalContext).isContext(query)) {
       mErrors.push_back(std::make_shared<ContextQuery>());
+      detail::noteMarkedFault(*mErrors.back());
+    }
   } catch (const SqlError& error) {
     mErrors.push_back(std::shared_ptr<SqlError>(error.clone()));
     detail::noteCaughtFault(*mErrors.back());

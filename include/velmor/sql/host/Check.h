@@ -18,8 +18,8 @@ namespace velmor::sql::host {
 /// A fault and where it is.
 struct PlacedFault {
   std::shared_ptr<SqlError> fault;
-  /// The range of the node the fault is about; none when no single node is meant (a context
-  /// query; an UPDATE's unknown table or SET column) or the node has no range.
+  /// The range of the node the fault is about; none when no single node is meant (an UPDATE's
+  /// unknown table or SET column) or the node has no range.
   std::optional<SourceRange> range;
 };
 
