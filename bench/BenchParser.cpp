@@ -51,11 +51,12 @@ void setCounters(benchmark::State& state, const std::vector<std::string>& statem
 
 // Parse and scan-only passes over the same statements, side by side in one run: compare
 // within a run, since wall-clock figures drift between runs on a shared machine.
-void BM_Parse(benchmark::State& state, const char* which) {
+void parsePass(benchmark::State& state, const char* which, bool ranges) {
   const std::vector<std::string>& statements = corpus(which);
   if (statements.empty()) state.SkipWithError("the corpus is missing or empty");
   const velmor::sql::ParseContext context;
   velmor::sql::SqlParser parser(context);
+  parser.keepSourceRanges = ranges;
   std::size_t failures = 0;
   for (auto _ : state) {
     for (const std::string& statement : statements) {
@@ -67,6 +68,10 @@ void BM_Parse(benchmark::State& state, const char* which) {
   if (failures != 0) state.SkipWithError("a corpus statement failed to parse");
   setCounters(state, statements);
 }
+
+void BM_Parse(benchmark::State& state, const char* which) { parsePass(state, which, false); }
+// The same with source ranges kept, as an editor parses: compare with BM_Parse of the same run.
+void BM_ParseWithRanges(benchmark::State& state, const char* which) { parsePass(state, which, true); }
 
 // What the parser asks of the scanner: every token's id, location and wide text.
 void BM_Scan(benchmark::State& state, const char* which) {
@@ -99,6 +104,7 @@ BENCHMARK_CAPTURE(BM_Tokenize, corpus, "common")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Parse, sample, "sample")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Scan, sample, "sample")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Tokenize, sample, "sample")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ParseWithRanges, sample, "sample")->Unit(benchmark::kMillisecond);
 
 // The cost that keeping the automaton saves a parse: scanner and automaton with its initial
 // stack, built and destroyed.

@@ -61,7 +61,8 @@ template <class Made>
 inline void nest(Location& location, const ParseSession& session, const Made& made) {
   if (++location.depth > session.nestingLimit) nestingTooDeep(session);
   if constexpr (requires { made.mImpl; }) {
-    if (session.ranges) [[unlikely]] session.ranges->node(made.mImpl.get(), location);
+    // An omitted part is an EmptyNode, which stands for no text.
+    if (session.ranges && !made.isNull()) [[unlikely]] session.ranges->node(made.mImpl.get(), location);
   }
 }
 

@@ -13,20 +13,34 @@
 
 namespace velmor::sql {
 
-/// During such a parse a token's location ends at its own begin, so that a rule's location runs
-/// from the begin of its first token to the begin of its last: both are found again among the
-/// noted tokens, which know their bytes.
+/// During such a parse a token's location holds, in place of its line, the token's number in
+/// the order read (begin and end alike), so that a rule's location names its first and last
+/// token; the noted tokens know their place and bytes. Syntax errors ask for the place back.
 class RangeRecorder {
 public:
-  void token(const Position& begin, std::size_t beginOffset, std::size_t endOffset) {
-    mTokens.push_back({begin.line, begin.column, beginOffset, endOffset});
+  /// Notes a token and gives the location that stands for it.
+  Location token(const Location& read, std::size_t beginOffset, std::size_t endOffset) {
+    const Position number(static_cast<int>(mTokens.size()), 0);
+    mTokens.push_back({read.begin.line, read.begin.column, beginOffset, endOffset});
+    return Location(number, number);
   }
   void node(const ast::NodeInterface* node, const Location& location) {
-    mNodes.push_back({node, location.begin, location.end});
+    mNodes.push_back({node, location.begin.line, location.end.line});
+  }
+  /// The place of the token that `location` stands for.
+  Position place(const Location& location) const {
+    const auto number = static_cast<std::size_t>(location.begin.line);
+    if (number >= mTokens.size()) return location.begin;
+    return Position(mTokens[number].line, mTokens[number].column);
   }
 
   /// The ranges of the noted nodes in `text`, the text that was parsed.
   std::shared_ptr<SourceRanges> finish(const std::string& text) const;
+  /// Forgets the notes and keeps the room for the next parse.
+  void clear() {
+    mTokens.clear();
+    mNodes.clear();
+  }
 
 private:
   struct TokenPlace {
@@ -37,10 +51,9 @@ private:
   };
   struct NodePlace {
     const ast::NodeInterface* node;
-    Position first;
-    Position last;
+    int first;
+    int last;
   };
-  const TokenPlace* tokenAt(const Position& position) const;
 
   std::vector<TokenPlace> mTokens;
   std::vector<NodePlace> mNodes;

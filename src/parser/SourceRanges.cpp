@@ -7,9 +7,17 @@
 
 namespace velmor::sql {
 
+namespace {
+constexpr auto byNode = [](const SourceRanges::Entry& a, const SourceRanges::Entry& b) { return a.first < b.first; };
+} // namespace
+
+SourceRanges::SourceRanges(std::vector<Entry> entries) : mEntries(std::move(entries)) {
+  std::sort(mEntries.begin(), mEntries.end(), byNode);
+}
+
 const SourceRange* SourceRanges::find(const ast::NodeInterface* node) const {
-  const auto found = mRanges.find(node);
-  return found == mRanges.end() ? nullptr : &found->second;
+  const auto found = std::lower_bound(mEntries.begin(), mEntries.end(), Entry{node, {}}, byNode);
+  return found == mEntries.end() || found->first != node ? nullptr : &found->second;
 }
 
 std::string rangeText(const SourceRange& range) {
@@ -17,22 +25,15 @@ std::string rangeText(const SourceRange& range) {
          std::to_string(range.endLine) + ':' + std::to_string(range.endColumn);
 }
 
-const RangeRecorder::TokenPlace* RangeRecorder::tokenAt(const Position& position) const {
-  // Tokens were noted in text order, and each starts after the one before it.
-  const auto found = std::lower_bound(mTokens.begin(), mTokens.end(), position, [](const TokenPlace& token, const Position& at) {
-    return token.line < at.line || (token.line == at.line && token.column < at.column);
-  });
-  if (found == mTokens.end() || found->line != position.line || found->column != position.column) return nullptr;
-  return &*found;
-}
-
 std::shared_ptr<SourceRanges> RangeRecorder::finish(const std::string& text) const {
-  auto ranges = std::make_shared<SourceRanges>();
+  std::vector<SourceRanges::Entry> entries;
+  entries.reserve(mNodes.size());
   for (const NodePlace& place : mNodes) {
-    if (place.node == nullptr || place.node->isNull()) continue;
-    const TokenPlace* first = tokenAt(place.first);
-    const TokenPlace* last = tokenAt(place.last);
-    if (first == nullptr || last == nullptr) continue;
+    if (place.node == nullptr) continue;
+    const auto count = static_cast<int>(mTokens.size());
+    if (place.first < 0 || place.last < place.first || place.last >= count) continue;
+    const TokenPlace* first = &mTokens[static_cast<std::size_t>(place.first)];
+    const TokenPlace* last = &mTokens[static_cast<std::size_t>(place.last)];
     // The place after the last token: its bytes counted as the scanner counts them.
     int line = last->line;
     int column = last->column;
@@ -47,11 +48,11 @@ std::shared_ptr<SourceRanges> RangeRecorder::finish(const std::string& text) con
         ++column;
       }
     }
-    ranges->add(place.node, SourceRange{static_cast<std::size_t>(first->line), static_cast<std::size_t>(first->column),
+    entries.emplace_back(place.node, SourceRange{static_cast<std::size_t>(first->line), static_cast<std::size_t>(first->column),
                                         static_cast<std::size_t>(line), static_cast<std::size_t>(column), first->begin,
                                         last->end});
   }
-  return ranges;
+  return std::make_shared<SourceRanges>(std::move(entries));
 }
 
 } // namespace velmor::sql

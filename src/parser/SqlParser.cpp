@@ -21,9 +21,9 @@ constexpr std::size_t keptStackTextSize = 16384;
 int yylex(Parser::value_type* value, Location* location, ParseSession& session) {
   SqlLexer& lexer = *session.lexer;
   const int id = lexer.lexId(location);
-  if (session.ranges && id != T_TERMINATION) [[unlikely]] {
-    session.ranges->token(location->begin, lexer.lexemeBegin(), lexer.lexemeEnd());
-    location->end = location->begin;
+  if (session.ranges) [[unlikely]] {
+    const std::size_t end = lexer.lexemeEnd();
+    *location = session.ranges->token(*location, id == T_TERMINATION ? end : lexer.lexemeBegin(), end);
   }
   // Only the five text tokens have a value slot; giving another token one would never be freed.
   // Their text waits in the session, and the slot holds where.
@@ -73,8 +73,9 @@ std::string syntaxErrorMessage(const Parser::context& context) {
 }
 
 void SqlParserPrivate::error(const location_type& location, const std::string& message) {
-  mErrors->push_back(std::make_shared<UnexpectedLexeme>(static_cast<std::size_t>(location.begin.line),
-                                                        static_cast<std::size_t>(location.begin.column), message));
+  const Position at = mSession.ranges ? mSession.ranges->place(location) : location.begin;
+  mErrors->push_back(std::make_shared<UnexpectedLexeme>(static_cast<std::size_t>(at.line),
+                                                        static_cast<std::size_t>(at.column), message));
 }
 
 int SqlParserPrivate::run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors,
@@ -121,9 +122,9 @@ bool SqlParser::parse(const std::string& text) {
         if (longText) automaton.reset();
       }
     } dropLongStack{mAutomaton, text.size() > keptStackTextSize};
-    std::unique_ptr<RangeRecorder> ranges;
-    if (keepSourceRanges) ranges = std::make_unique<RangeRecorder>();
-    mAutomaton->run(lexer, tree, *context, &errors, std::max(nestingLimit, 1), ranges.get());
+    RangeRecorder* ranges = keepSourceRanges ? &mAutomaton->ranges : nullptr;
+    if (ranges) ranges->clear();
+    mAutomaton->run(lexer, tree, *context, &errors, std::max(nestingLimit, 1), ranges);
     if (errors.empty()) {
       result = std::move(tree);
       if (ranges) sourceRanges = ranges->finish(text);

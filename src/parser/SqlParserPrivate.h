@@ -2,6 +2,7 @@
 #pragma once
 
 #include "SqlGrammar.tab.hpp"
+#include "parser/RangeRecorder.h"
 
 #include <velmor/sql/errors/SqlError.h>
 
@@ -41,6 +42,10 @@ private:
   ParseSession mSession;
   ErrorList* mErrors = nullptr;
   std::vector<std::wstring> mTexts;
+
+public:
+  /// Notes of a parse that keeps source ranges; kept with the automaton for their room.
+  RangeRecorder ranges;
 };
 
 } // namespace velmor::sql

@@ -65,6 +65,17 @@ TEST(SourceRanges, OnlyWhenAskedAndOnlyForATree) {
   EXPECT_EQ(kept->size(), 4u);  // query, select item, column and table outlive the next parse
 }
 
+TEST(SourceRanges, SyntaxErrorsSayTheSameWithRanges) {
+  for (const char* text : {"SELECT FROM t", "SELECT a\n\tFROM t WHERE", "SELECT 'é' FROM t t2 t3", "a +", "",
+                           "SELECT ((((a FROM t", "UPDATE t SET a = 1,"}) {
+    SqlParser plain(noContext), ranged(noContext);
+    ranged.keepSourceRanges = true;
+    ASSERT_FALSE(plain.parse(text));
+    ASSERT_FALSE(ranged.parse(text));
+    EXPECT_STREQ(plain.errors.front()->what(), ranged.errors.front()->what()) << text;
+  }
+}
+
 // Each expression's own text, parsed alone, is the same expression: its range starts and ends
 // where its first and last tokens do, across the statement shapes of the corpus.
 TEST(SourceRanges, ExpressionTextsOfTheCorpusReadBackAsTheSameExpressions) {

@@ -6,7 +6,8 @@
 
 #include <cstddef>
 #include <string>
-#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace velmor::sql {
 
@@ -35,18 +36,21 @@ struct SourceRange {
 /// entries then match nothing that lives). Immutable once made; may be read from any thread.
 class VELMOR_SQL_API SourceRanges {
 public:
+  using Entry = std::pair<const ast::NodeInterface*, SourceRange>;
+
+  SourceRanges() = default;
+  /// The ranges of the given nodes, each given once.
+  explicit SourceRanges(std::vector<Entry> entries);
+
   /// The range of `node`, or null when the parse that made this map did not make it.
   const SourceRange* find(const ast::Node& node) const { return find(node.mImpl.get()); }
   const SourceRange* find(const ast::NodeInterface* node) const;
 
   /// Nodes with a range.
-  std::size_t size() const noexcept { return mRanges.size(); }
-
-  /// Used by the parser.
-  void add(const ast::NodeInterface* node, const SourceRange& range) { mRanges[node] = range; }
+  std::size_t size() const noexcept { return mEntries.size(); }
 
 private:
-  std::unordered_map<const ast::NodeInterface*, SourceRange> mRanges;
+  std::vector<Entry> mEntries;  // by node address: one block, searched by halves
 };
 
 /// "LINE:COL-LINE:COL" of a range, the end being the place after its last character.
