@@ -53,5 +53,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   } catch (const std::runtime_error&) {
   }
+
+  // Kept ranges change nothing the parse says, and each lies inside the text.
+  SqlParser ranged(context);
+  ranged.keepSourceRanges = true;
+  try {
+    const bool good = ranged.parse(input);
+    VELMOR_FUZZ_CHECK(good == !parser.result.isNull(), "ranges change no verdict");
+    if (!good) {
+      VELMOR_FUZZ_CHECK(std::string(ranged.errors.front()->what()) == parser.errors.front()->what(), "same error");
+    } else {
+      VELMOR_FUZZ_CHECK(ranged.sourceRanges != nullptr, "a tree has ranges");
+      const SourceRange* whole = ranged.sourceRanges->find(ranged.result);
+      VELMOR_FUZZ_CHECK(whole == nullptr || (whole->beginOffset < whole->endOffset && whole->endOffset <= input.size()),
+                        "the statement's range lies in the text");
+    }
+  } catch (const std::runtime_error&) {
+  }
   return 0;
 }
