@@ -1,5 +1,5 @@
 // Source ranges: every node of a parse kept with ranges, with its range and the text under it
-// (golden file parser/ranges.golden), and over the benchmark corpus every expression's text reads
+// (golden file ranges/nodes.golden), and over the benchmark corpus every expression's text reads
 // back as the same expression.
 #include "support/Golden.h"
 
@@ -50,7 +50,7 @@ std::string describe(const std::string& sql) {
   return out;
 }
 
-const bool registered = (registerGolden("SourceRanges", "parser/ranges.golden", describe), true);
+const bool registered = (registerGolden("SourceRanges", "ranges/nodes.golden", describe), true);
 
 TEST(SourceRanges, OnlyWhenAskedAndOnlyForATree) {
   SqlParser parser(noContext);
