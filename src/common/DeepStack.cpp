@@ -46,6 +46,9 @@ struct ThreadStack {
   // both 0 when unknown.
   std::uintptr_t low = 0;
   std::uintptr_t limit = 0;
+  // Kept here so that a walk learns both what its stack allows and whether faults are watched
+  // from one look at the thread's state.
+  WalkWatch* watch = nullptr;
 };
 
 thread_local ThreadStack tStack;
@@ -136,6 +139,29 @@ bool stackIsLow() noexcept {
 #endif
 }
 
+WalkWatch* walkWatch() noexcept { return tStack.watch; }
+
+WalkWatch* setWalkWatch(WalkWatch* watch) noexcept {
+  WalkWatch* const previous = tStack.watch;
+  tStack.watch = watch;
+  return previous;
+}
+
+bool walkNeedsCare() noexcept {
+#if VELMOR_SQL_TSAN
+  return tStack.watch != nullptr;
+#else
+  ThreadStack& stack = tStack;
+  if (stack.watch) return true;
+  if (!stack.known) {
+    readBounds(stack);
+    stack.known = true;
+  }
+  const auto frame = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+  return frame < stack.limit && frame >= stack.low;
+#endif
+}
+
 void runOnFreshStack(void (*body)(void*), void* argument) {
   stackIsLow();  // the thread's own bounds are read before the limit is moved to the segment
   Segment segment;
@@ -158,7 +184,8 @@ void runOnFreshStack(void (*body)(void*), void* argument) {
 #if VELMOR_SQL_ASAN
   __sanitizer_finish_switch_fiber(job.fakeStack, nullptr, nullptr);
 #endif
-  stack = outer;
+  stack.low = outer.low;
+  stack.limit = outer.limit;
   if (job.failure) std::rethrow_exception(job.failure);
 }
 

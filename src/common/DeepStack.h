@@ -3,10 +3,26 @@
 // segment of its own, on the same thread.
 #pragma once
 
+#include <exception>
 #include <type_traits>
 #include <utility>
 
 namespace velmor::sql::detail {
+
+/// What the walks of a thread note for a fault watcher (FaultPlaces): the node whose visit runs
+/// innermost, and the innermost node that the exception in flight has left.
+struct WalkWatch {
+  const void* current = nullptr;
+  std::exception_ptr thrown;
+  const void* thrownAt = nullptr;
+};
+
+/// The thread's watch, or null (the common case).
+WalkWatch* walkWatch() noexcept;
+/// Makes `watch` (or null) the thread's watch; returns the one before.
+WalkWatch* setWalkWatch(WalkWatch* watch) noexcept;
+/// stackIsLow() or a watch is set: the one test a level of a walk makes.
+bool walkNeedsCare() noexcept;
 
 /// True when less than the reserve is left below the caller's frame on this thread's stack
 /// (or on the segment it runs on). A thread whose bounds are unknown, and a frame outside them

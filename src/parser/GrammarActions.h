@@ -5,6 +5,7 @@
 #include <velmor/sql/parser/SqlParser.h>
 
 #include "ast/NodePool.h"
+#include "parser/RangeRecorder.h"
 #include "parser/SqlParserPrivate.h"
 #include "sqllexer/Location.h"
 #include "sqllexer/SqlLexer.h"
@@ -54,9 +55,14 @@ template <class Parts>
   current.depth = depth;
 }
 
-/// The rule made a node over its parts: one level deeper, within the nesting limit.
-inline void nest(Location& location, const ParseSession& session) {
+/// The rule made `made` over its parts: one level deeper, within the nesting limit; its place is
+/// noted when the caller keeps source ranges.
+template <class Made>
+inline void nest(Location& location, const ParseSession& session, const Made& made) {
   if (++location.depth > session.nestingLimit) nestingTooDeep(session);
+  if constexpr (requires { made.mImpl; }) {
+    if (session.ranges) [[unlikely]] session.ranges->node(made.mImpl.get(), location);
+  }
 }
 
 /// A list that grows by append: room for four from the start saves the first regrowths, which

@@ -2,6 +2,7 @@
 #include <velmor/sql/parser/SqlParser.h>
 
 #include "parser/Recognizer.h"
+#include "parser/RangeRecorder.h"
 #include "parser/SqlParserPrivate.h"
 #include "sqllexer/SqlLexer.h"
 
@@ -21,6 +22,10 @@ constexpr std::size_t keptStackTextSize = 16384;
 int yylex(Parser::value_type* value, Location* location, ParseSession& session) {
   SqlLexer& lexer = *session.lexer;
   const int id = lexer.lexId(location);
+  if (session.ranges && id != T_TERMINATION) [[unlikely]] {
+    session.ranges->token(location->begin, lexer.lexemeBegin(), lexer.lexemeEnd());
+    location->end = location->begin;
+  }
   // Only the five text tokens have a value slot; giving another token one would never be freed.
   // Their text waits in the session, and the slot holds where.
   if (carriesText(static_cast<std::uint32_t>(id))) {
@@ -115,8 +120,8 @@ std::optional<std::vector<std::uint32_t>> SqlParserPrivate::acceptedAfter(const 
 }
 
 int SqlParserPrivate::run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors,
-                          int nestingLimit) {
-  mSession = ParseSession{&lexer, &result, &context, nestingLimit, &mTexts};
+                          int nestingLimit, RangeRecorder* ranges) {
+  mSession = ParseSession{&lexer, &result, &context, nestingLimit, &mTexts, ranges};
   mErrors = errors;
   struct Reset {
     SqlParserPrivate& automaton;
@@ -139,6 +144,7 @@ SqlParser::~SqlParser() = default;
 void SqlParser::clear() {
   result = ast::makeEmptyNode();
   errors.clear();
+  sourceRanges.reset();
 }
 
 bool SqlParser::parse(const std::string& text) {
@@ -157,8 +163,13 @@ bool SqlParser::parse(const std::string& text) {
         if (longText) automaton.reset();
       }
     } dropLongStack{mAutomaton, text.size() > keptStackTextSize};
-    mAutomaton->run(lexer, tree, *context, &errors, std::max(nestingLimit, 1));
-    if (errors.empty()) result = std::move(tree);
+    std::unique_ptr<RangeRecorder> ranges;
+    if (keepSourceRanges) ranges = std::make_unique<RangeRecorder>();
+    mAutomaton->run(lexer, tree, *context, &errors, std::max(nestingLimit, 1), ranges.get());
+    if (errors.empty()) {
+      result = std::move(tree);
+      if (ranges) sourceRanges = ranges->finish(text);
+    }
   }
   return !result.isNull();
 }

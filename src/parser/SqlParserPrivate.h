@@ -39,7 +39,9 @@ public:
 
   /// Parses the text of `lexer` into `result`; syntax errors go to `errors`. Returns what
   /// Parser::parse returns; lets what it lets through pass.
-  int run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors, int nestingLimit);
+  /// When `ranges` is not null, tokens and nodes are noted in it.
+  int run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors, int nestingLimit,
+          RangeRecorder* ranges = nullptr);
 
   /// The token ids the automaton accepts right after `ids`, in symbol order; nullopt when `ids`
   /// are no beginning of a text that it accepts.

@@ -60,6 +60,10 @@ public:
   /// which must outlive the scanning; null stops it. Off after construction: a parse pays for
   /// nothing but a test in the rare paths that drop bytes.
   void reportSkipped(std::vector<SkippedText>* skipped) { mSkipped = skipped; }
+  /// Byte offsets into the text of the last token's whole lexeme (a bracketed name with its
+  /// brackets, string pieces with the blanks between them): valid until next() is called again.
+  std::size_t lexemeBegin() const { return offsetOf(mLexeme); }
+  std::size_t lexemeEnd() const { return offsetOf(mCursor); }
   /// Where the next lexeme starts.
   int line() const { return mLine; }
   int column() const { return mColumn; }
@@ -80,7 +84,8 @@ private:
   void advance(const unsigned char* from, const unsigned char* to);
   /// The same for a lexeme without tabs and line breaks: one column per code point.
   void advanceInLine(const unsigned char* from, const unsigned char* to);
-  void setToken(Token& token, std::uint32_t id) const {
+  void setToken(Token& token, std::uint32_t id, const unsigned char* lexeme) {
+    mLexeme = lexeme;
     token.id = id;
     token.line = mLine;
     token.column = mColumn;
@@ -96,6 +101,7 @@ private:
   void noteNul(const unsigned char* at);
 
   const unsigned char* mCursor;       // where the next lexeme starts (in the text or the window)
+  const unsigned char* mLexeme = nullptr; // where the last token's lexeme starts
   const unsigned char* mLimit;        // where the automaton must ask fill() for more
   const unsigned char* mSource;       // text not yet read into the window
   const unsigned char* mSourceLimit;  // the first NUL byte of the text, or its end

@@ -186,7 +186,7 @@ plain:
   // Keywords and operators: ASCII without tabs or line breaks.
   if (mStatus != Status::Good) goto ended;
   token.text = {};
-  setToken(token, id);
+  setToken(token, id, tok);
   mColumn += static_cast<int>(cur - tok);
   mCursor = cur;
   return true;
@@ -194,7 +194,7 @@ plain:
 spaced:
   if (mStatus != Status::Good) goto ended;
   token.text = {};
-  setToken(token, id);
+  setToken(token, id, tok);
   advance(tok, cur);
   mCursor = cur;
   return true;
@@ -202,7 +202,7 @@ spaced:
 bracketed:
   if (mStatus != Status::Good) goto ended;
   token.text = std::string_view(reinterpret_cast<const char*>(tok) + 1, static_cast<std::size_t>(cur - tok - 2));
-  setToken(token, id);
+  setToken(token, id, tok);
   advanceInLine(tok, cur);
   mCursor = cur;
   return true;
@@ -210,7 +210,7 @@ bracketed:
 asciiWord:
   if (mStatus != Status::Good) goto ended;
   token.text = std::string_view(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
-  setToken(token, id);
+  setToken(token, id, tok);
   mColumn += static_cast<int>(cur - tok);
   mCursor = cur;
   return true;
@@ -219,7 +219,7 @@ word:
   // Names and numbers hold no tabs or line breaks.
   if (mStatus != Status::Good) goto ended;
   token.text = std::string_view(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
-  setToken(token, id);
+  setToken(token, id, tok);
   advanceInLine(tok, cur);
   mCursor = cur;
   return true;
@@ -227,7 +227,7 @@ word:
 text:
   if (mStatus != Status::Good) goto ended;
   token.text = std::string_view(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
-  setToken(token, id);
+  setToken(token, id, tok);
   advance(tok, cur);
   mCursor = cur;
   return true;

@@ -1,5 +1,6 @@
 // The context-cast walk and the aggregate detector.
 #include <velmor/sql/validation/ContextChecks.h>
+#include <velmor/sql/validation/FaultPlaces.h>
 
 #include <velmor/sql/inference/StringTypeInferer.h>
 
@@ -74,7 +75,10 @@ void ContextCheckVisitor::visit(const ast::Operation& record) {
     StringTypeInferer inferer;
     inferer.doVisit(record.operands.back());
     const auto& type = inferer.result();
-    if (!type || static_cast<int>(type->plainType()) < 3) mClean = false;
+    if (!type || static_cast<int>(type->plainType()) < 3) {
+      mClean = false;
+      detail::markFaultPlace();
+    }
     return;
   }
   walkAll(record.operands);

@@ -6,6 +6,7 @@
 #include <velmor/sql/scope/Scope.h>
 #include <velmor/sql/scope/ScopeBuilder.h>
 #include <velmor/sql/validation/ContextChecks.h>
+#include <velmor/sql/validation/FaultPlaces.h>
 #include <velmor/sql/validation/QualifierChecks.h>
 #include <velmor/sql/errors/SemanticErrors.h>
 
@@ -44,8 +45,10 @@ bool Validator::validate(const ast::QuerySpecification& query) {
 
     if (!query.where.isNull()) {
       inferer.inferType(query.where);
-      if (AggregateQueryDetector(mGlobalContext).isAggregate(query.where))
+      if (AggregateQueryDetector(mGlobalContext).isAggregate(query.where)) {
         mErrors.push_back(std::make_shared<AggregateInWhereClause>());
+        detail::noteFaultAt(*mErrors.back(), query.where);
+      }
     }
 
     // HAVING, then ORDER BY, then GROUP BY: the first fault thrown decides what the list shows.
@@ -53,10 +56,13 @@ bool Validator::validate(const ast::QuerySpecification& query) {
     for (const auto& sort : query.orderBy) inferer.inferType(sort.key);
     for (const auto& key : query.groupBy) inferer.inferType(key);
 
-    if (ContextCheckVisitor(mGlobalContext).isContext(query))
+    if (ContextCheckVisitor(mGlobalContext).isContext(query)) {
       mErrors.push_back(std::make_shared<ContextQuery>());
+      detail::noteMarkedFault(*mErrors.back());
+    }
   } catch (const SqlError& error) {
     mErrors.push_back(std::shared_ptr<SqlError>(error.clone()));
+    detail::noteCaughtFault(*mErrors.back());
   }
   return mErrors.empty();
 }
@@ -84,6 +90,7 @@ bool Validator::validate(const ast::UpdateStatement& update) {
     return true;
   } catch (const SqlError& error) {
     mErrors.push_back(std::shared_ptr<SqlError>(error.clone()));
+    detail::noteCaughtFault(*mErrors.back());
     return false;
   }
 }

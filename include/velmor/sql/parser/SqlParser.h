@@ -4,6 +4,7 @@
 #include <velmor/sql/Export.h>
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/errors/SqlError.h>
+#include <velmor/sql/parser/SourceRanges.h>
 
 #include <memory>
 #include <string>
@@ -47,7 +48,8 @@ public:
   /// std::runtime_error pass through.
   bool parse(const std::string& text);
 
-  /// `result` becomes a node of EmptyNode and `errors` empty. Trees handed out stay valid.
+  /// `result` becomes a node of EmptyNode, `errors` empty and `sourceRanges` null. Trees handed
+  /// out stay valid.
   void clear();
 
   const ParseContext* context;
@@ -62,6 +64,13 @@ public:
   /// memory of hostile texts, or raise it: a tree's depth then costs heap (stack segments of
   /// the walks, up to about 0.6 KiB a level), not stack.
   int nestingLimit = maxNestingDepth;
+  /// When set, a parse that succeeds also fills `sourceRanges`. Off after construction, so that a
+  /// plain parse pays nothing for it.
+  bool keepSourceRanges = false;
+  /// Where the nodes of `result` came from: a fresh map after each successful parse with
+  /// keepSourceRanges, null otherwise. The host may keep it as long as it likes, with or
+  /// without the tree.
+  std::shared_ptr<const SourceRanges> sourceRanges;
 
 private:
   // The automaton, made by the first parse and kept, with its stack, for the next ones.

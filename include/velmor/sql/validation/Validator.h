@@ -7,6 +7,7 @@
 #include <velmor/sql/errors/SqlError.h>
 #include <velmor/sql/types/Routine.h>
 #include <velmor/sql/types/Table.h>
+#include <velmor/sql/validation/FaultPlaces.h>
 
 #include <memory>
 #include <utility>
@@ -84,6 +85,7 @@ protected:
   void report(Error error) {
     if (mTargetErrorList == nullptr) throw error;
     mTargetErrorList->push_back(std::make_shared<Error>(std::move(error)));
+    detail::noteListedFault(*mTargetErrorList->back());
   }
 
   std::vector<std::shared_ptr<SqlError>>* mTargetErrorList = nullptr;

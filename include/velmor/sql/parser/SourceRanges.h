@@ -1,0 +1,55 @@
+// Where each node of a parsed tree came from in its text: kept beside the tree, never in it.
+#pragma once
+
+#include <velmor/sql/Export.h>
+#include <velmor/sql/ast/AST.h>
+
+#include <cstddef>
+#include <string>
+#include <unordered_map>
+
+namespace velmor::sql {
+
+/// A stretch of the parsed text. Lines and columns count as in token and syntax error positions
+/// (from 1, a column per code point, a tab moves to the next stop of a grid of 4); `end` is the
+/// place right after the last character. Offsets are bytes into the UTF-8 text, `endOffset` one
+/// past the last byte.
+struct SourceRange {
+  std::size_t beginLine = 1;
+  std::size_t beginColumn = 1;
+  std::size_t endLine = 1;
+  std::size_t endColumn = 1;
+  std::size_t beginOffset = 0;
+  std::size_t endOffset = 0;
+
+  bool operator==(const SourceRange&) const = default;
+};
+
+/// The source range of every node that a rule of the grammar made from the text: statements,
+/// queries, table references, joins and their conditions, expressions (a column reference, a
+/// call, an operation over its operands), select list items. A node written in parentheses spans
+/// what is inside them; an omitted part (an empty WHERE) and a node the parser adds by itself (the
+/// TRUE of a CASE without subject, an INTO clause) have none.
+///
+/// Keyed by node identity: the map holds no reference to the tree, which may die first (its
+/// entries then match nothing that lives). Immutable once made; may be read from any thread.
+class VELMOR_SQL_API SourceRanges {
+public:
+  /// The range of `node`, or null when the parse that made this map did not make it.
+  const SourceRange* find(const ast::Node& node) const { return find(node.mImpl.get()); }
+  const SourceRange* find(const ast::NodeInterface* node) const;
+
+  /// Nodes with a range.
+  std::size_t size() const noexcept { return mRanges.size(); }
+
+  /// Used by the parser.
+  void add(const ast::NodeInterface* node, const SourceRange& range) { mRanges[node] = range; }
+
+private:
+  std::unordered_map<const ast::NodeInterface*, SourceRange> mRanges;
+};
+
+/// "LINE:COL-LINE:COL" of a range, the end being the place after its last character.
+VELMOR_SQL_API std::string rangeText(const SourceRange& range);
+
+} // namespace velmor::sql
