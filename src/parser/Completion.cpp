@@ -17,52 +17,11 @@ std::optional<std::vector<std::uint32_t>> tokensAcceptedAfter(const std::string&
   return tokensAcceptedAfter(ids);
 }
 
-namespace {
-
-// Finds the byte offsets of scanner positions, walking the text once as the scanner counts
-// lines and columns. Continuation bytes share their lead byte's column, so a position belongs
-// to the first byte at it that starts a code point.
-class ByteFinder {
-public:
-  explicit ByteFinder(const std::string& text) : mText(text) {}
-
-  std::size_t offsetOf(int line, int column) {
-    while (mAt < mText.size() &&
-           (mLine != line || mColumn != column || (static_cast<unsigned char>(mText[mAt]) & 0xC0) == 0x80)) {
-      const auto c = static_cast<unsigned char>(mText[mAt++]);
-      if (c == '\n') {
-        ++mLine;
-        mColumn = 1;
-      } else if (c == '\t') {
-        mColumn = ((mColumn - 1) & ~3) + 5;
-      } else if ((c & 0xC0) != 0x80) {
-        ++mColumn;
-      }
-    }
-    return mAt;
-  }
-
-private:
-  const std::string& mText;
-  std::size_t mAt = 0;
-  int mLine = 1;
-  int mColumn = 1;
-};
-
-} // namespace
-
 std::vector<TokenPlace> tokenPlaces(const std::string& text) {
   std::vector<TokenPlace> places;
   SqlLexer lexer(text, nullptr);
   Token token;
-  ByteFinder finder(text);
-  while (lexer.next(token)) {
-    TokenPlace& place = places.emplace_back();
-    place.id = token.id;
-    place.begin = finder.offsetOf(token.line, token.column);
-    // The scanner stands right after the token now.
-    place.end = finder.offsetOf(lexer.line(), lexer.column());
-  }
+  while (lexer.next(token)) places.push_back({token.id, lexer.lexemeBegin(), lexer.lexemeEnd()});
   return places;
 }
 
