@@ -16,6 +16,7 @@
 #include <velmor/sql/inference/StringTypeInferer.h>
 #include <velmor/sql/inference/TypeInferer.h>
 #include <velmor/sql/errors/SqlError.h>
+#include <velmor/sql/parser/Completion.h>
 #include <velmor/sql/parser/SourceRanges.h>
 #include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/scope/Scope.h>

@@ -4,6 +4,7 @@
 
 #include <velmor/sql/host/Catalogue.h>
 #include <velmor/sql/host/CatalogueFile.h>
+#include <velmor/sql/host/Completion.h>
 #include <velmor/sql/host/Precedence.h>
 #include <velmor/sql/host/Check.h>
 #include <velmor/sql/host/TypeNames.h>
@@ -22,6 +23,7 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
 #include <shared_mutex>
@@ -386,4 +388,32 @@ PYBIND11_MODULE(_core, m) {
         for (const auto& name : self.catalogue->functionNames()) names.push_back(host::toUtf8(name));
         return names;
       });
+  // Completion at a cursor. Python counts code points, the kit bytes: both ways are converted
+  // here. The answer is (start, end, [(text, kind, detail), ...]).
+  m.def(
+      "complete",
+      [](const std::string& text, py::ssize_t offset, const PyCatalogue& catalogue) {
+        host::Completion completion;
+        std::vector<std::size_t> starts; // byte offset of each code point, and of the end
+        {
+          py::gil_scoped_release free;
+          for (std::size_t i = 0; i < text.size(); ++i) {
+            if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) starts.push_back(i);
+          }
+          starts.push_back(text.size());
+          const auto point = static_cast<std::size_t>(std::clamp<py::ssize_t>(
+              offset, 0, static_cast<py::ssize_t>(starts.size() - 1)));
+          std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
+          completion = host::complete(text, starts[point], *catalogue.catalogue);
+        }
+        auto pointOf = [&](std::size_t byte) {
+          return static_cast<py::ssize_t>(std::lower_bound(starts.begin(), starts.end(), byte) - starts.begin());
+        };
+        py::list candidates;
+        for (const auto& candidate : completion.candidates) {
+          candidates.append(py::make_tuple(candidate.text, host::candidateKindName(candidate.kind), candidate.detail));
+        }
+        return py::make_tuple(pointOf(completion.replaceBegin), pointOf(completion.replaceEnd), candidates);
+      },
+      py::arg("text"), py::arg("offset"), py::arg("catalogue"));
 }

@@ -210,5 +210,32 @@ def type_of(expression: str, catalogue: Catalogue, tables: Sequence[str] = ()) -
     return _or_fault(_core.type_of(expression, catalogue, list(tables)))
 
 
-__all__ = ["Catalogue", "CatalogueError", "Column", "Fault", "SourceRange", "SqlFault", "SqlSyntaxError", "check", "columns",
-           "format", "parse", "rename", "tokens", "type_of"]
+class Candidate(NamedTuple):
+    """Something that may stand at the cursor: its text, its kind ("keyword", "punctuation",
+    "table", "alias", "column", "function") and a column's type or a function's overloads."""
+
+    text: str
+    kind: str
+    detail: str
+
+
+class Completion(NamedTuple):
+    """What ``complete`` offers: ``text[start:end]`` is the half-typed word a choice replaces
+    (empty at the cursor otherwise), then the candidates by kind and text."""
+
+    start: int
+    end: int
+    candidates: list[Candidate]
+
+
+def complete(text: str, offset: int, catalogue: Catalogue) -> Completion:
+    """What may stand at ``offset`` (a str index; clamped into the text): the keywords and
+    punctuation the grammar accepts there, and where a name may stand, the catalogue's tables,
+    the columns and aliases of the query, and functions. Nothing inside a string or a bracketed
+    name, or after a syntax error. Never raises for any text or offset."""
+    start, end, candidates = _core.complete(text, offset, catalogue)
+    return Completion(start, end, [Candidate(*candidate) for candidate in candidates])
+
+
+__all__ = ["Candidate", "Catalogue", "CatalogueError", "Column", "Completion", "Fault", "SourceRange", "SqlFault",
+           "SqlSyntaxError", "check", "columns", "complete", "format", "parse", "rename", "tokens", "type_of"]

@@ -65,3 +65,15 @@ def rename(sql: str, old: str, new: str, context: Catalogue | str | None = ...) 
 def check(sql: str, catalogue: Catalogue) -> list[Fault]: ...
 def columns(sql: str, catalogue: Catalogue) -> list[Column]: ...
 def type_of(expression: str, catalogue: Catalogue, tables: Sequence[str] = ...) -> str: ...
+
+class Candidate(NamedTuple):
+    text: str
+    kind: str
+    detail: str
+
+class Completion(NamedTuple):
+    start: int
+    end: int
+    candidates: list[Candidate]
+
+def complete(text: str, offset: int, catalogue: Catalogue) -> Completion: ...

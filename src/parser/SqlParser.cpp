@@ -1,6 +1,7 @@
 // SqlParser over the scanner and the generated automaton, and the automaton's error report.
 #include <velmor/sql/parser/SqlParser.h>
 
+#include "parser/Recognizer.h"
 #include "parser/RangeRecorder.h"
 #include "parser/SqlParserPrivate.h"
 #include "sqllexer/SqlLexer.h"
@@ -51,6 +52,31 @@ void nestingTooDeep(const ParseSession& session) {
 void Parser::error(const location_type&, const std::string&) {}
 
 void Parser::report_syntax_error(const context& ctx) const {
+  if (session.completion) {
+    // Completion reads an empty text only to get here: the tables are private to the
+    // generated class, and a local class of one of its members may read them.
+    struct Tables {
+      static int pact(int state) { return yypact_[state]; }
+      static int defact(int state) { return yydefact_[state]; }
+      static int table(int index) { return yytable_[index]; }
+      static int check(int index) { return yycheck_[index]; }
+      static int r1(int rule) { return yyr1_[rule]; }
+      static int r2(int rule) { return yyr2_[rule]; }
+      static int gotoState(int state, int symbol) {
+        return yy_lr_goto_state_(static_cast<state_type>(state), symbol);
+      }
+      static int translate(std::uint32_t id) { return yytranslate_(static_cast<int>(id)); }
+      static bool pactIsDefault(int value) { return yy_pact_value_is_default_(value); }
+      static bool tableIsError(int value) { return yy_table_value_is_error_(value); }
+      static int last() { return yylast_; }
+      static int tokenCount() { return YYNTOKENS; }
+      static std::uint32_t tokenIdLimit() { return T_MOD + 1; }
+    };
+    CompletionQuery& query = *session.completion;
+    recognizer::Recognizer<Tables> recognizer;
+    if (recognizer.run(*query.ids)) query.accepted = recognizer.acceptedIds();
+    return;
+  }
   // error() is the automaton's one non-const hook; reporting changes nothing the parse reads.
   const_cast<Parser*>(this)->error(ctx.location(), syntaxErrorMessage(ctx));
 }
@@ -76,6 +102,22 @@ void SqlParserPrivate::error(const location_type& location, const std::string& m
   const Position at = mSession.ranges ? mSession.ranges->place(location) : location.begin;
   mErrors->push_back(std::make_shared<UnexpectedLexeme>(static_cast<std::size_t>(at.line),
                                                         static_cast<std::size_t>(at.column), message));
+}
+
+std::optional<std::vector<std::uint32_t>> SqlParserPrivate::acceptedAfter(const std::vector<std::uint32_t>& ids) {
+  const std::string empty;
+  SqlLexer lexer(empty, nullptr);
+  ast::Node result;
+  CompletionQuery query{&ids, std::nullopt};
+  mSession = ParseSession{&lexer, &result, nullptr, 1, &mTexts};
+  mSession.completion = &query;
+  struct Reset {
+    SqlParserPrivate& automaton;
+    ~Reset() { automaton.mSession = {}; }
+  } reset{*this};
+  // An empty text is a syntax error in state 0, before any action runs.
+  parse();
+  return std::move(query.accepted);
 }
 
 int SqlParserPrivate::run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors,

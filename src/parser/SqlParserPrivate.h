@@ -6,7 +6,9 @@
 
 #include <velmor/sql/errors/SqlError.h>
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +23,13 @@ std::string syntaxErrorMessage(const Parser::context& context);
 /// session's limit, located at the token that the session's scanner returned last.
 [[noreturn]] void nestingTooDeep(const ParseSession& session);
 
+/// A question to the automaton's tables: which terminals may follow `ids`. The error report
+/// answers it in `accepted` (nullopt when `ids` hold a syntax error).
+struct CompletionQuery {
+  const std::vector<std::uint32_t>* ids = nullptr;
+  std::optional<std::vector<std::uint32_t>> accepted;
+};
+
 /// The automaton of one SqlParser, kept from parse to parse.
 class SqlParserPrivate final : public Parser {
 public:
@@ -34,6 +43,10 @@ public:
   /// When `ranges` is not null, tokens and nodes are noted in it.
   int run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors, int nestingLimit,
           RangeRecorder* ranges = nullptr);
+
+  /// The token ids the automaton accepts right after `ids`, in symbol order; nullopt when `ids`
+  /// are no beginning of a text that it accepts.
+  std::optional<std::vector<std::uint32_t>> acceptedAfter(const std::vector<std::uint32_t>& ids);
 
   /// Appends an UnexpectedLexeme at the location's begin.
   void error(const location_type& location, const std::string& message) override;

@@ -1,0 +1,40 @@
+// What the grammar accepts at the end of a text's beginning, and where a text's tokens lie:
+// the parts of completion at a cursor that need the automaton and the scanner.
+#pragma once
+
+#include <velmor/sql/Export.h>
+#include <velmor/sql/sqllexer/Tokens.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velmor::sql {
+
+/// The token ids that the parser's automaton would shift right after the tokens `ids` (as the
+/// scanner gives them, without T_TERMINATION), in the automaton's symbol order (T_TERMINATION
+/// first when the tokens form a whole statement). Exact: a token is listed when and only when
+/// a text of `ids` followed by it does not fail at that token. nullopt when `ids` fail before
+/// their end (T_TERMINATION among them, or an id the scanner never sends, fails too).
+/// Reentrant; throws only std::bad_alloc.
+VELMOR_SQL_API std::optional<std::vector<std::uint32_t>> tokensAcceptedAfter(const std::vector<std::uint32_t>& ids);
+
+/// The same for the tokens of a UTF-8 text. Throws as tokenize() does.
+VELMOR_SQL_API std::optional<std::vector<std::uint32_t>> tokensAcceptedAfter(const std::string& prefix);
+
+/// One token of a text with its place in bytes.
+struct TokenPlace {
+  std::uint32_t id = T_TERMINATION;
+  /// Byte offsets into the text of the token's first byte and one past its last: a bracketed
+  /// identifier with its brackets, a string with its quotes and every piece of it.
+  std::size_t begin = 0;
+  std::size_t end = 0;
+};
+
+/// The tokens of a UTF-8 text, as tokenize() finds them but without the closing T_TERMINATION,
+/// with their byte ranges. Throws as tokenize() does. Reentrant.
+VELMOR_SQL_API std::vector<TokenPlace> tokenPlaces(const std::string& text);
+
+} // namespace velmor::sql
