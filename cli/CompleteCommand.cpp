@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "Input.h"
 #include <velmor/sql/host/Completion.h>
+#include <velmor/sql/parser/SourceRanges.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -16,26 +17,26 @@ namespace velmor::cli {
 namespace {
 
 struct Place {
-  int line = 0;
-  int column = 0;
+  std::size_t line = 0;
+  std::size_t column = 0;
 };
 
 // "LINE:COL", both from 1.
 std::optional<Place> placeOf(const std::string& text) {
   const std::size_t colon = text.find(':');
   if (colon == std::string::npos || colon == 0 || colon + 1 == text.size()) return std::nullopt;
-  Place place;
+  int line = 0, column = 0;
   try {
     std::size_t used = 0;
-    place.line = std::stoi(text.substr(0, colon), &used);
+    line = std::stoi(text.substr(0, colon), &used);
     if (used != colon) return std::nullopt;
-    place.column = std::stoi(text.substr(colon + 1), &used);
+    column = std::stoi(text.substr(colon + 1), &used);
     if (used != text.size() - colon - 1) return std::nullopt;
   } catch (const std::exception&) {
     return std::nullopt;
   }
-  if (place.line < 1 || place.column < 1) return std::nullopt;
-  return place;
+  if (line < 1 || column < 1) return std::nullopt;
+  return Place{static_cast<std::size_t>(line), static_cast<std::size_t>(column)};
 }
 
 // Takes "--at LINE:COL" (or "--at=LINE:COL") out of the leading options, before or after
@@ -63,17 +64,8 @@ std::optional<std::string> takeAt(std::vector<std::string>& args) {
 // Counted as the scanner counts: a column per code point, tabs to the next stop of a grid of 4.
 Place placeAtOffset(const std::string& text, std::size_t offset) {
   Place place{1, 1};
-  for (std::size_t i = 0; i < offset && i < text.size(); ++i) {
-    const auto c = static_cast<unsigned char>(text[i]);
-    if (c == '\n') {
-      ++place.line;
-      place.column = 1;
-    } else if (c == '\t') {
-      place.column = ((place.column - 1) & ~3) + 5;
-    } else if ((c & 0xC0) != 0x80) {
-      ++place.column;
-    }
-  }
+  for (std::size_t i = 0; i < offset && i < text.size(); ++i)
+    sql::advancePlace(place.line, place.column, static_cast<unsigned char>(text[i]));
   return place;
 }
 
@@ -84,15 +76,7 @@ std::optional<std::size_t> offsetOf(const std::string& text, Place wanted) {
     const bool starts = i == text.size() || (static_cast<unsigned char>(text[i]) & 0xC0) != 0x80;
     if (starts && place.line == wanted.line && place.column == wanted.column) return i;
     if (i == text.size() || place.line > wanted.line) return std::nullopt;
-    const auto c = static_cast<unsigned char>(text[i]);
-    if (c == '\n') {
-      ++place.line;
-      place.column = 1;
-    } else if (c == '\t') {
-      place.column = ((place.column - 1) & ~3) + 5;
-    } else if ((c & 0xC0) != 0x80) {
-      ++place.column;
-    }
+    sql::advancePlace(place.line, place.column, static_cast<unsigned char>(text[i]));
   }
 }
 

@@ -122,21 +122,27 @@ private:
 
 } // namespace
 
-bool stackIsLow() noexcept {
+namespace {
+[[gnu::always_inline]] inline bool frameIsLow(ThreadStack& stack, std::uintptr_t frame) noexcept {
 #if VELMOR_SQL_TSAN
   // ThreadSanitizer does not follow a switch of stacks on one thread.
+  (void)stack;
+  (void)frame;
   return false;
 #else
-  ThreadStack& stack = tStack;
   if (!stack.known) {
     readBounds(stack);
     stack.known = true;
   }
   // A frame below the stack's lowest address runs on a stack of someone else's (a host's
   // coroutine or fiber), whose bounds are unknown: it is never taken for low.
-  const auto frame = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
   return frame < stack.limit && frame >= stack.low;
 #endif
+}
+} // namespace
+
+bool stackIsLow() noexcept {
+  return frameIsLow(tStack, reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)));
 }
 
 WalkWatch* walkWatch() noexcept { return tStack.watch; }
@@ -148,18 +154,8 @@ WalkWatch* setWalkWatch(WalkWatch* watch) noexcept {
 }
 
 bool walkNeedsCare() noexcept {
-#if VELMOR_SQL_TSAN
-  return tStack.watch != nullptr;
-#else
   ThreadStack& stack = tStack;
-  if (stack.watch) return true;
-  if (!stack.known) {
-    readBounds(stack);
-    stack.known = true;
-  }
-  const auto frame = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
-  return frame < stack.limit && frame >= stack.low;
-#endif
+  return stack.watch != nullptr || frameIsLow(stack, reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)));
 }
 
 void runOnFreshStack(void (*body)(void*), void* argument) {

@@ -35,21 +35,12 @@ std::shared_ptr<SourceRanges> RangeRecorder::finish(const std::string& text) con
     const TokenPlace* first = &mTokens[static_cast<std::size_t>(place.first)];
     const TokenPlace* last = &mTokens[static_cast<std::size_t>(place.last)];
     // The place after the last token: its bytes counted as the scanner counts them.
-    int line = last->line;
-    int column = last->column;
-    for (std::size_t i = last->begin; i < last->end && i < text.size(); ++i) {
-      const auto c = static_cast<unsigned char>(text[i]);
-      if (c == '\n') {
-        ++line;
-        column = 1;
-      } else if (c == '\t') {
-        column = ((column - 1) & ~3) + 5;
-      } else if ((c & 0xC0) != 0x80) {
-        ++column;
-      }
-    }
+    auto line = static_cast<std::size_t>(last->line);
+    auto column = static_cast<std::size_t>(last->column);
+    for (std::size_t i = last->begin; i < last->end && i < text.size(); ++i)
+      advancePlace(line, column, static_cast<unsigned char>(text[i]));
     entries.emplace_back(place.node, SourceRange{static_cast<std::size_t>(first->line), static_cast<std::size_t>(first->column),
-                                        static_cast<std::size_t>(line), static_cast<std::size_t>(column), first->begin,
+                                        line, column, first->begin,
                                         last->end});
   }
   return std::make_shared<SourceRanges>(std::move(entries));

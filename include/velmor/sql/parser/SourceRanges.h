@@ -11,6 +11,20 @@
 
 namespace velmor::sql {
 
+/// Moves a line and column over one byte of UTF-8 text as the scanner counts: a line feed starts
+/// the next line, a tab goes to the next stop of a grid of 4, a continuation byte counts with its
+/// lead byte, any other byte is a column.
+constexpr void advancePlace(std::size_t& line, std::size_t& column, unsigned char byte) noexcept {
+  if (byte == '\n') {
+    ++line;
+    column = 1;
+  } else if (byte == '\t') {
+    column = ((column - 1) & ~std::size_t{3}) + 5;
+  } else if ((byte & 0xC0) != 0x80) {
+    ++column;
+  }
+}
+
 /// A stretch of the parsed text. Lines and columns count as in token and syntax error positions
 /// (from 1, a column per code point, a tab moves to the next stop of a grid of 4); `end` is the
 /// place right after the last character. Offsets are bytes into the UTF-8 text, `endOffset` one
