@@ -8,16 +8,33 @@
 namespace velmor::sql {
 
 namespace {
-constexpr auto byNode = [](const SourceRanges::Entry& a, const SourceRanges::Entry& b) { return a.first < b.first; };
+std::size_t slotOf(const ast::NodeInterface* node, std::size_t mask) {
+  // Nodes are at least 8-byte aligned: the low bits say nothing.
+  auto bits = reinterpret_cast<std::uintptr_t>(node) >> 3;
+  bits *= 0x9E3779B97F4A7C15ull;
+  return static_cast<std::size_t>(bits >> 32) & mask;
+}
 } // namespace
 
 SourceRanges::SourceRanges(std::vector<Entry> entries) : mEntries(std::move(entries)) {
-  std::sort(mEntries.begin(), mEntries.end(), byNode);
+  std::size_t size = 16;
+  while (size < mEntries.size() * 2) size *= 2;
+  mSlots.assign(size, 0);
+  for (std::size_t i = 0; i < mEntries.size(); ++i) {
+    std::size_t slot = slotOf(mEntries[i].first, size - 1);
+    while (mSlots[slot] != 0) slot = (slot + 1) & (size - 1);
+    mSlots[slot] = static_cast<std::uint32_t>(i + 1);
+  }
 }
 
 const SourceRange* SourceRanges::find(const ast::NodeInterface* node) const {
-  const auto found = std::lower_bound(mEntries.begin(), mEntries.end(), Entry{node, {}}, byNode);
-  return found == mEntries.end() || found->first != node ? nullptr : &found->second;
+  if (mSlots.empty()) return nullptr;
+  const std::size_t mask = mSlots.size() - 1;
+  for (std::size_t slot = slotOf(node, mask); mSlots[slot] != 0; slot = (slot + 1) & mask) {
+    const Entry& entry = mEntries[mSlots[slot] - 1];
+    if (entry.first == node) return &entry.second;
+  }
+  return nullptr;
 }
 
 std::string rangeText(const SourceRange& range) {

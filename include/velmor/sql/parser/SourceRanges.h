@@ -5,6 +5,7 @@
 #include <velmor/sql/ast/AST.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -64,7 +65,10 @@ public:
   std::size_t size() const noexcept { return mEntries.size(); }
 
 private:
-  std::vector<Entry> mEntries;  // by node address: one block, searched by halves
+  std::vector<Entry> mEntries;
+  // An open-addressed table of positions in mEntries + 1 (0: free), a power of two in size:
+  // made in one pass, with no sorting, since a parse makes one map and asks it a few times.
+  std::vector<std::uint32_t> mSlots;
 };
 
 /// "LINE:COL-LINE:COL" of a range, the end being the place after its last character.
