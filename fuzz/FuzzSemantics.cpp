@@ -1,9 +1,10 @@
 // Parsed statements against the host kit's GIS sample catalogue: validation, result tables, the type
-// of every select item and of WHERE, and renaming. Faults are exceptions of documented kinds;
+// of every select item and of WHERE, fault places, and renaming. Faults are exceptions of documented kinds;
 // nothing else may escape, crash or leak.
 #include "FuzzSupport.h"
 
 #include <velmor/sql/host/CatalogueFile.h>
+#include <velmor/sql/host/Check.h>
 
 #include <velmor/sql/ast/Traversal.h>
 #include <velmor/sql/builder/RenameTableBuilder.h>
@@ -65,6 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const auto sample = host::gisSampleCatalogue();
   const ParseContext context;
   SqlParser parser(context);
+  parser.keepSourceRanges = true;
   try {
     if (!parser.parse(fuzz::text(data, size))) return 0;
   } catch (const std::runtime_error&) {
@@ -78,6 +80,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       (void)validator.validate(update);
     });
   }, 0);
+  // Each fault's place lies in the text.
+  if (host::isCheckable(tree)) {
+    guarded([&] {
+      for (const auto& placed : host::checkStatement(tree, parser.sourceRanges.get(), *sample, *sample))
+        VELMOR_FUZZ_CHECK(!placed.range || (placed.range->beginOffset < placed.range->endOffset &&
+                                            placed.range->endOffset <= size),
+                          "a fault's place lies in the text");
+    });
+  }
   // Typing a whole expression without a scope: column references fail, the rest is typed.
   if (tree.isExpression()) {
     const ScopeTypeContext noColumns;
