@@ -10,9 +10,13 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace velmor::sql {
+
+// The automaton copies its stack entries as plain bytes and destroys none of them.
+static_assert(std::is_trivially_copyable_v<Parser::value_type>);
 
 namespace {
 // Texts up to this size keep the automaton and its stack for the next parse.
