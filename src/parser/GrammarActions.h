@@ -76,6 +76,11 @@ template <class Parts>
   }
   // The parts lie side by side in the automaton's stack, the first lowest.
   const auto* first = &parts[1];
+  // Most reductions have one part (the chains from an expression down to a name or number).
+  if (count == 1) {
+    current = first[0].location;
+    return;
+  }
   current.begin = first[0].location.begin;
   current.end = first[count - 1].location.end;
   int depth = first[0].location.depth;
