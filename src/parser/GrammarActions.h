@@ -7,11 +7,11 @@
 #include "ast/NodePool.h"
 #include "parser/RangeRecorder.h"
 #include "parser/SqlParserPrivate.h"
+#include "parser/ValueSlabs.h"
 #include "sqllexer/Location.h"
 #include "sqllexer/SqlLexer.h"
 
 #include <algorithm>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -36,6 +36,34 @@ inline std::wstring take(ParseSession& session, TextIndex index) {
   return std::move((*session.texts)[index]);
 }
 
+/// A token's text with a sign put before it, in place.
+inline TextIndex signedText(ParseSession& session, wchar_t sign, TextIndex index) {
+  std::wstring& text = (*session.texts)[index];
+  text.insert(text.begin(), sign);
+  return index;
+}
+
+/// Stores `value` for the rules above and names it.
+template <class T>
+Slot<std::decay_t<T>> put(ParseSession& session, T&& value) {
+  auto& values = session.values->of<std::decay_t<T>>();
+  const auto index = static_cast<std::uint32_t>(values.size());
+  values.push_back(std::forward<T>(value));
+  return {index};
+}
+
+/// The value behind `slot`, left in place.
+template <class T>
+T& at(const ParseSession& session, Slot<T> slot) {
+  return session.values->of<T>()[slot.index];
+}
+
+/// The value behind `slot`, moved out: each value goes to one rule.
+template <class T>
+T take(ParseSession& session, Slot<T> slot) {
+  return std::move(at(session, slot));
+}
+
 /// The location of a rule's symbol: from the begin of its first part to the end of its last
 /// (an empty rule sits at the end of the symbol before it), as deep as its deepest part.
 /// `parts[1]` to `parts[count]` are the rule's parts, `parts[0]` the symbol below them.
@@ -48,6 +76,11 @@ template <class Parts>
   }
   // The parts lie side by side in the automaton's stack, the first lowest.
   const auto* first = &parts[1];
+  // Most reductions have one part (the chains from an expression down to a name or number).
+  if (count == 1) {
+    current = first[0].location;
+    return;
+  }
   current.begin = first[0].location.begin;
   current.end = first[count - 1].location.end;
   int depth = first[0].location.depth;
@@ -57,22 +90,20 @@ template <class Parts>
 
 /// The rule made `made` over its parts: one level deeper, within the nesting limit; its place is
 /// noted when the caller keeps source ranges.
-template <class Made>
-inline void nest(Location& location, const ParseSession& session, const Made& made) {
+template <class T>
+inline void nest(Location& location, const ParseSession& session, Slot<T> made) {
   if (++location.depth > session.nestingLimit) nestingTooDeep(session);
-  if constexpr (requires { made.mImpl; }) {
-    // An omitted part is an EmptyNode, which stands for no text.
-    if (session.ranges && !made.isNull()) [[unlikely]] session.ranges->node(made.mImpl.get(), location);
+  if constexpr (requires(const T& node) { node.mImpl; }) {
+    if (session.ranges) [[unlikely]] {
+      const T& node = at(session, made);
+      // An omitted part is an EmptyNode, which stands for no text.
+      if (!node.isNull()) session.ranges->node(node.mImpl.get(), location);
+    }
   }
 }
 
 /// A list that grows by append: room for four from the start saves the first regrowths, which
 /// most select lists, argument lists and value rows would otherwise take.
-template <class T>
-std::unique_ptr<std::decay_t<T>> boxed(T&& record) {
-  return std::make_unique<std::decay_t<T>>(std::forward<T>(record));
-}
-
 template <class T>
 std::vector<std::decay_t<T>> listOf(T&& first) {
   std::vector<std::decay_t<T>> list;
@@ -85,6 +116,22 @@ template <class T, class U>
 std::vector<T> append(std::vector<T>&& list, U&& element) {
   list.push_back(std::forward<U>(element));
   return std::move(list);
+}
+
+/// Appends to a stored list in place, so that a long list is not moved for each element.
+template <class T, class U>
+Slot<std::vector<T>> append(ParseSession& session, Slot<std::vector<T>> list, U&& element) {
+  at(session, list).push_back(std::forward<U>(element));
+  return list;
+}
+
+inline Slot<std::vector<ast::ExpressionNode>> appendPair(ParseSession& session,
+                                                         Slot<std::vector<ast::ExpressionNode>> list,
+                                                         ast::ExpressionNode when, ast::ExpressionNode then) {
+  auto& pairs = at(session, list);
+  pairs.push_back(std::move(when));
+  pairs.push_back(std::move(then));
+  return list;
 }
 
 inline std::vector<ast::ExpressionNode> appendPair(std::vector<ast::ExpressionNode>&& list,
@@ -158,17 +205,16 @@ inline ast::QueryExpressionNode joinOf(ast::Join type, ast::QueryExpressionNode 
       ast::JoinNode{type, std::move(left), std::move(right), std::move(specification)});
 }
 
-/// A query is DISTINCT only when the word is written; without a LIMIT or OFFSET clause (a null
-/// limit) both numbers are empty.
+/// A query is DISTINCT only when the word is written.
 inline ast::QueryExpressionNode querySpecification(
     ast::SetQuantifier quantifier, std::vector<ast::Node>&& selectList, ast::TypeNode<ast::IntoClause> into,
     std::vector<ast::QueryExpressionNode>&& from, ast::ExpressionNode where, std::vector<ast::ExpressionNode>&& groupBy,
     ast::ExpressionNode having, std::vector<ast::SortSpecification>&& orderBy,
-    std::unique_ptr<ast::LimitSpecification> limit) {
+    ast::LimitSpecification&& limit) {
   return newNode<ast::QueryExpressionNode>(ast::QuerySpecification{
       quantifier == ast::SetQuantifier::Distinct, std::move(selectList), std::move(into), std::move(from),
       std::move(where), std::move(groupBy), std::move(orderBy), std::move(having),
-      limit ? std::move(*limit) : limitOf({}, {})});
+      std::move(limit)});
 }
 
 } // namespace velmor::sql::grammar

@@ -10,9 +10,13 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace velmor::sql {
+
+// The automaton copies its stack entries as plain bytes and destroys none of them.
+static_assert(std::is_trivially_copyable_v<Parser::value_type>);
 
 namespace {
 // Texts up to this size keep the automaton and its stack for the next parse.
@@ -26,11 +30,11 @@ int yylex(Parser::value_type* value, Location* location, ParseSession& session) 
     const std::size_t end = lexer.lexemeEnd();
     *location = session.ranges->token(*location, id == T_TERMINATION ? end : lexer.lexemeBegin(), end);
   }
-  // Only the five text tokens have a value slot; giving another token one would never be freed.
-  // Their text waits in the session, and the slot holds where.
+  // Only the five text tokens have a value. Their text waits in the session, and the slot holds
+  // where.
   if (carriesText(static_cast<std::uint32_t>(id))) {
     const std::string_view bytes = lexer.token().text;
-    value->emplace<TextIndex>(session.texts->size());
+    value->text = session.texts->size();
     std::wstring& text = session.texts->emplace_back();
     Lexer::assignWide(bytes, text);
     // Widening sizes the text by its bytes; non-ASCII text needs fewer units than that.
@@ -109,7 +113,7 @@ std::optional<std::vector<std::uint32_t>> SqlParserPrivate::acceptedAfter(const 
   SqlLexer lexer(empty, nullptr);
   ast::Node result;
   CompletionQuery query{&ids, std::nullopt};
-  mSession = ParseSession{&lexer, &result, nullptr, 1, &mTexts};
+  mSession = ParseSession{&lexer, &result, nullptr, 1, &mTexts, &mValues};
   mSession.completion = &query;
   struct Reset {
     SqlParserPrivate& automaton;
@@ -122,15 +126,17 @@ std::optional<std::vector<std::uint32_t>> SqlParserPrivate::acceptedAfter(const 
 
 int SqlParserPrivate::run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors,
                           int nestingLimit, RangeRecorder* ranges) {
-  mSession = ParseSession{&lexer, &result, &context, nestingLimit, &mTexts, ranges};
+  mSession = ParseSession{&lexer, &result, &context, nestingLimit, &mTexts, &mValues, ranges};
   mErrors = errors;
   struct Reset {
     SqlParserPrivate& automaton;
     ~Reset() {
       automaton.mSession = {};
       automaton.mErrors = nullptr;
-      // Texts that no rule took (a failed parse) go; the list's room stays for the next text.
+      // Texts and values that no rule took (a failed parse) go; the lists' room stays for the
+      // next text.
       automaton.mTexts.clear();
+      automaton.mValues.clear();
     }
   } reset{*this};
   return parse();

@@ -3,6 +3,7 @@
 
 #include "SqlGrammar.tab.hpp"
 #include "parser/RangeRecorder.h"
+#include "parser/ValueSlabs.h"
 
 #include <velmor/sql/errors/SqlError.h>
 
@@ -55,6 +56,7 @@ private:
   ParseSession mSession;
   ErrorList* mErrors = nullptr;
   std::vector<std::wstring> mTexts;
+  ValueSlabs mValues;
 
 public:
   /// Notes of a parse that keeps source ranges; kept with the automaton for their room.

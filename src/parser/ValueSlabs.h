@@ -1,0 +1,38 @@
+// The values of one parse that the automaton's stack refers to by Slot.
+#pragma once
+
+#include <velmor/sql/ast/AST.h>
+
+#include "SqlGrammar.tab.hpp"
+
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace velmor::sql {
+
+/// One list per kind of value. A rule's value is appended and later moved out by the rule that
+/// takes it, so the lists only grow during a parse; clear() after the parse destroys what a
+/// failed parse left and keeps the room for the next one.
+class ValueSlabs {
+public:
+  template <class T>
+  std::vector<T>& of() {
+    return std::get<std::vector<T>>(mValues);
+  }
+
+  void clear() {
+    std::apply([](auto&... values) { (values.clear(), ...); }, mValues);
+  }
+
+private:
+  std::tuple<std::vector<ast::Node>, std::vector<ast::QueryExpressionNode>, std::vector<ast::ExpressionNode>,
+             std::vector<ast::TypeNode<ast::IntoClause>>, std::vector<ast::SortSpecification>,
+             std::vector<ast::SetClause>, std::vector<ast::LimitSpecification>, std::vector<ast::FromSource>,
+             std::vector<std::vector<ast::Node>>, std::vector<std::vector<ast::QueryExpressionNode>>,
+             std::vector<std::vector<ast::ExpressionNode>>, std::vector<std::vector<ast::SortSpecification>>,
+             std::vector<std::vector<ast::SetClause>>, std::vector<std::vector<std::wstring>>>
+      mValues;
+};
+
+} // namespace velmor::sql
