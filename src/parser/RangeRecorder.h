@@ -19,9 +19,10 @@ namespace velmor::sql {
 class RangeRecorder {
 public:
   /// Notes a token and gives the location that stands for it.
-  Location token(const Location& read, std::size_t beginOffset, std::size_t endOffset) {
+  /// `after` is the place right after the token, where the scanner stands once it has read it.
+  Location token(const Location& read, Position after, std::size_t beginOffset, std::size_t endOffset) {
     const Position number(static_cast<int>(mTokens.size()), 0);
-    mTokens.push_back({read.begin.line, read.begin.column, beginOffset, endOffset});
+    mTokens.push_back({read.begin.line, read.begin.column, after.line, after.column, beginOffset, endOffset});
     return Location(number, number);
   }
   void node(const ast::NodeInterface* node, const Location& location) {
@@ -34,8 +35,8 @@ public:
     return Position(mTokens[number].line, mTokens[number].column);
   }
 
-  /// The ranges of the noted nodes in `text`, the text that was parsed.
-  std::shared_ptr<SourceRanges> finish(const std::string& text) const;
+  /// The ranges of the noted nodes.
+  std::shared_ptr<SourceRanges> finish() const;
   /// Forgets the notes and keeps the room for the next parse.
   void clear() {
     mTokens.clear();
@@ -46,6 +47,8 @@ private:
   struct TokenPlace {
     int line;
     int column;
+    int endLine;
+    int endColumn;
     std::size_t begin;
     std::size_t end;
   };

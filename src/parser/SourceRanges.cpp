@@ -42,23 +42,17 @@ std::string rangeText(const SourceRange& range) {
          std::to_string(range.endLine) + ':' + std::to_string(range.endColumn);
 }
 
-std::shared_ptr<SourceRanges> RangeRecorder::finish(const std::string& text) const {
+std::shared_ptr<SourceRanges> RangeRecorder::finish() const {
   std::vector<SourceRanges::Entry> entries;
   entries.reserve(mNodes.size());
+  const auto count = static_cast<int>(mTokens.size());
   for (const NodePlace& place : mNodes) {
-    if (place.node == nullptr) continue;
-    const auto count = static_cast<int>(mTokens.size());
-    if (place.first < 0 || place.last < place.first || place.last >= count) continue;
-    const TokenPlace* first = &mTokens[static_cast<std::size_t>(place.first)];
-    const TokenPlace* last = &mTokens[static_cast<std::size_t>(place.last)];
-    // The place after the last token: its bytes counted as the scanner counts them.
-    auto line = static_cast<std::size_t>(last->line);
-    auto column = static_cast<std::size_t>(last->column);
-    for (std::size_t i = last->begin; i < last->end && i < text.size(); ++i)
-      advancePlace(line, column, static_cast<unsigned char>(text[i]));
-    entries.emplace_back(place.node, SourceRange{static_cast<std::size_t>(first->line), static_cast<std::size_t>(first->column),
-                                        line, column, first->begin,
-                                        last->end});
+    if (place.node == nullptr || place.first < 0 || place.last < place.first || place.last >= count) continue;
+    const TokenPlace& first = mTokens[static_cast<std::size_t>(place.first)];
+    const TokenPlace& last = mTokens[static_cast<std::size_t>(place.last)];
+    entries.emplace_back(place.node, SourceRange{static_cast<std::size_t>(first.line), static_cast<std::size_t>(first.column),
+                                                 static_cast<std::size_t>(last.endLine),
+                                                 static_cast<std::size_t>(last.endColumn), first.begin, last.end});
   }
   return std::make_shared<SourceRanges>(std::move(entries));
 }

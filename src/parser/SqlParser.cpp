@@ -28,7 +28,8 @@ int yylex(Parser::value_type* value, Location* location, ParseSession& session) 
   const int id = lexer.lexId(location);
   if (session.ranges) [[unlikely]] {
     const std::size_t end = lexer.lexemeEnd();
-    *location = session.ranges->token(*location, id == T_TERMINATION ? end : lexer.lexemeBegin(), end);
+    *location = session.ranges->token(*location, Position(lexer.line(), lexer.column()),
+                                      id == T_TERMINATION ? end : lexer.lexemeBegin(), end);
   }
   // Only the five text tokens have a value. Their text waits in the session, and the slot holds
   // where.
@@ -175,7 +176,7 @@ bool SqlParser::parse(const std::string& text) {
     mAutomaton->run(lexer, tree, *context, &errors, std::max(nestingLimit, 1), ranges);
     if (errors.empty()) {
       result = std::move(tree);
-      if (ranges) sourceRanges = ranges->finish(text);
+      if (ranges) sourceRanges = ranges->finish();
     }
   }
   return !result.isNull();
