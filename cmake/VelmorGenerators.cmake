@@ -32,7 +32,7 @@ function(velmor_re2c input output)
     VERBATIM)
 endfunction()
 
-# velmor_bison(<input.yy> <output.cpp> <header.hpp> <report>): lalr1.cc with its report kept
+# velmor_bison(<input.yy> <output.cpp> <header.hpp> <report>): the automaton, with its report kept
 # so that a test can check the automaton's size and conflicts.
 # (Counterexamples are left out of the report: finding them for the expected conflicts takes minutes.)
 function(velmor_bison input output header report)

@@ -1,14 +1,13 @@
 // Completion's questions to the automaton and the scanner.
 #include <velmor/sql/parser/Completion.h>
 
-#include "parser/SqlParserPrivate.h"
+#include "SqlGrammar.tab.hpp"
 #include "sqllexer/SqlLexer.h"
 
 namespace velmor::sql {
 
 std::optional<std::vector<std::uint32_t>> tokensAcceptedAfter(const std::vector<std::uint32_t>& ids) {
-  SqlParserPrivate automaton;
-  return automaton.acceptedAfter(ids);
+  return grammar::acceptedAfter(ids);
 }
 
 std::optional<std::vector<std::uint32_t>> tokensAcceptedAfter(const std::string& prefix) {

@@ -12,6 +12,8 @@
 #include "sqllexer/SqlLexer.h"
 
 #include <algorithm>
+#include <cstring>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -66,26 +68,53 @@ T take(ParseSession& session, Slot<T> slot) {
 
 /// The location of a rule's symbol: from the begin of its first part to the end of its last
 /// (an empty rule sits at the end of the symbol before it), as deep as its deepest part.
-/// `parts[1]` to `parts[count]` are the rule's parts, `parts[0]` the symbol below them.
-template <class Parts>
-[[gnu::always_inline]] inline void span(Location& current, const Parts& parts, int count) {
+/// `parts[1]` to `parts[count]` are the locations of the rule's parts, `parts[0]` that of the
+/// symbol below them.
+[[gnu::always_inline]] inline void span(Location& current, const Location* parts, int count) {
   if (count == 0) {
-    current.begin = current.end = parts[0].location.end;
+    current.begin = current.end = parts[0].end;
     current.depth = 0;
     return;
   }
-  // The parts lie side by side in the automaton's stack, the first lowest.
-  const auto* first = &parts[1];
   // Most reductions have one part (the chains from an expression down to a name or number).
   if (count == 1) {
-    current = first[0].location;
+    current = parts[1];
     return;
   }
-  current.begin = first[0].location.begin;
-  current.end = first[count - 1].location.end;
-  int depth = first[0].location.depth;
-  for (int i = 1; i < count; ++i) depth = std::max(depth, first[i].location.depth);
+  current.begin = parts[1].begin;
+  current.end = parts[count].end;
+  int depth = parts[1].depth;
+  for (int i = 2; i <= count; ++i) depth = std::max(depth, parts[i].depth);
   current.depth = depth;
+}
+
+/// Moves the automaton's three stacks, `used` bytes each, into room for twice as many entries:
+/// the session's room when it is large enough already and not where the stacks are, else new
+/// room that then becomes the session's. Throws std::bad_alloc when memory runs out.
+template <class State, class Value, class Place>
+void growStacks(AutomatonStacks& room, State** states, std::ptrdiff_t stateBytes, Value** values,
+                std::ptrdiff_t valueBytes, Place** places, std::ptrdiff_t placeBytes, std::ptrdiff_t* size) {
+  const std::ptrdiff_t wanted = 2 * *size;
+  const bool inRoom = *states == reinterpret_cast<State*>(room.states.get());
+  if (inRoom || room.size < wanted) {
+    AutomatonStacks bigger;
+    bigger.states = std::make_unique<std::byte[]>(static_cast<std::size_t>(wanted) * sizeof(State));
+    bigger.values = std::make_unique<std::byte[]>(static_cast<std::size_t>(wanted) * sizeof(Value));
+    bigger.places = std::make_unique<std::byte[]>(static_cast<std::size_t>(wanted) * sizeof(Place));
+    bigger.size = wanted;
+    std::memcpy(bigger.states.get(), *states, static_cast<std::size_t>(stateBytes));
+    std::memcpy(bigger.values.get(), *values, static_cast<std::size_t>(valueBytes));
+    std::memcpy(bigger.places.get(), *places, static_cast<std::size_t>(placeBytes));
+    room = std::move(bigger);
+  } else {
+    std::memcpy(room.states.get(), *states, static_cast<std::size_t>(stateBytes));
+    std::memcpy(room.values.get(), *values, static_cast<std::size_t>(valueBytes));
+    std::memcpy(room.places.get(), *places, static_cast<std::size_t>(placeBytes));
+  }
+  *states = reinterpret_cast<State*>(room.states.get());
+  *values = reinterpret_cast<Value*>(room.values.get());
+  *places = reinterpret_cast<Place*>(room.places.get());
+  *size = room.size;
 }
 
 /// The rule made `made` over its parts: one level deeper, within the nesting limit; its place is

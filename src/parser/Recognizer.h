@@ -12,8 +12,8 @@ namespace velmor::sql::recognizer {
 /// `Tables` reads the generated automaton: static functions pact(s), defact(s), table(i),
 /// check(i), r1(rule), r2(rule), gotoState(state, nonterminal), translate(tokenId),
 /// pactIsDefault(v), tableIsError(v), last(), tokenCount() and tokenIdLimit() (one past the
-/// highest token id). It is a local class of a member of the generated parser, the one
-/// place that may read its private tables.
+/// highest token id). It is defined in the generated automaton's own source file, the one
+/// place that may read its tables.
 template <class Tables>
 class Recognizer {
 public:

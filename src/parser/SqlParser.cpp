@@ -1,7 +1,6 @@
 // SqlParser over the scanner and the generated automaton, and the automaton's error report.
 #include <velmor/sql/parser/SqlParser.h>
 
-#include "parser/Recognizer.h"
 #include "parser/RangeRecorder.h"
 #include "parser/SqlParserPrivate.h"
 #include "sqllexer/SqlLexer.h"
@@ -16,14 +15,15 @@
 namespace velmor::sql {
 
 // The automaton copies its stack entries as plain bytes and destroys none of them.
-static_assert(std::is_trivially_copyable_v<Parser::value_type>);
+static_assert(std::is_trivially_copyable_v<SemanticValue>);
+static_assert(std::is_trivially_copyable_v<Location>);
 
 namespace {
-// Texts up to this size keep the automaton and its stack for the next parse.
+// Texts up to this size keep the automaton and its stacks for the next parse.
 constexpr std::size_t keptStackTextSize = 16384;
 } // namespace
 
-int yylex(Parser::value_type* value, Location* location, ParseSession& session) {
+int yylex(SemanticValue* value, Location* location, ParseSession& session) {
   SqlLexer& lexer = *session.lexer;
   const int id = lexer.lexId(location);
   if (session.ranges) [[unlikely]] {
@@ -35,7 +35,7 @@ int yylex(Parser::value_type* value, Location* location, ParseSession& session) 
   // where.
   if (carriesText(static_cast<std::uint32_t>(id))) {
     const std::string_view bytes = lexer.token().text;
-    value->text = session.texts->size();
+    value->text = static_cast<TextIndex>(session.texts->size());
     std::wstring& text = session.texts->emplace_back();
     Lexer::assignWide(bytes, text);
     // Widening sizes the text by its bytes; non-ASCII text needs fewer units than that.
@@ -48,99 +48,35 @@ int yylex(Parser::value_type* value, Location* location, ParseSession& session) 
 }
 
 void nestingTooDeep(const ParseSession& session) {
-  const Position at(session.lexer->token().line, session.lexer->token().column);
-  throw Parser::syntax_error(Location(at, at), "syntax error, nesting too deep (limit " +
-                                                   std::to_string(session.nestingLimit) + ")");
+  throw SyntaxError{Position(session.lexer->token().line, session.lexer->token().column),
+                    "syntax error, nesting too deep (limit " + std::to_string(session.nestingLimit) + ")"};
 }
 
-// The automaton's own error hook is only a stand-in: SqlParserPrivate decides where errors go.
-void Parser::error(const location_type&, const std::string&) {}
-
-void Parser::report_syntax_error(const context& ctx) const {
-  if (session.completion) {
-    // Completion reads an empty text only to get here: the tables are private to the
-    // generated class, and a local class of one of its members may read them.
-    struct Tables {
-      static int pact(int state) { return yypact_[state]; }
-      static int defact(int state) { return yydefact_[state]; }
-      static int table(int index) { return yytable_[index]; }
-      static int check(int index) { return yycheck_[index]; }
-      static int r1(int rule) { return yyr1_[rule]; }
-      static int r2(int rule) { return yyr2_[rule]; }
-      static int gotoState(int state, int symbol) {
-        return yy_lr_goto_state_(static_cast<state_type>(state), symbol);
-      }
-      static int translate(std::uint32_t id) { return yytranslate_(static_cast<int>(id)); }
-      static bool pactIsDefault(int value) { return yy_pact_value_is_default_(value); }
-      static bool tableIsError(int value) { return yy_table_value_is_error_(value); }
-      static int last() { return yylast_; }
-      static int tokenCount() { return YYNTOKENS; }
-      static std::uint32_t tokenIdLimit() { return T_MOD + 1; }
-    };
-    CompletionQuery& query = *session.completion;
-    recognizer::Recognizer<Tables> recognizer;
-    if (recognizer.run(*query.ids)) query.accepted = recognizer.acceptedIds();
-    return;
-  }
-  // error() is the automaton's one non-const hook; reporting changes nothing the parse reads.
-  const_cast<Parser*>(this)->error(ctx.location(), syntaxErrorMessage(ctx));
+void reportSyntaxError(const ParseSession& session, const Location& location, const std::string& message) {
+  const Position at = session.ranges ? session.ranges->place(location) : location.begin;
+  session.errors->push_back(std::make_shared<UnexpectedLexeme>(static_cast<std::size_t>(at.line),
+                                                               static_cast<std::size_t>(at.column), message));
 }
 
-std::string syntaxErrorMessage(const Parser::context& context) {
-  const Parser::symbol_kind_type lookahead = context.token();
-  if (lookahead == Parser::symbol_kind::S_YYEMPTY) return "syntax error";
-  // Room for one more than the four that a message may name: more than four are dropped.
-  constexpr int maxExpected = 4;
-  std::array<Parser::symbol_kind_type, maxExpected + 1> expected{};
-  const int count = context.expected_tokens(expected.data(), maxExpected + 1);
-  std::string message = "syntax error, unexpected ";
-  message += Parser::symbol_name(lookahead);
-  if (count > maxExpected) return message;
-  for (int i = 0; i < count; ++i) {
-    message += i == 0 ? ", expecting " : " or ";
-    message += Parser::symbol_name(expected[static_cast<std::size_t>(i)]);
-  }
-  return message;
-}
-
-void SqlParserPrivate::error(const location_type& location, const std::string& message) {
-  const Position at = mSession.ranges ? mSession.ranges->place(location) : location.begin;
-  mErrors->push_back(std::make_shared<UnexpectedLexeme>(static_cast<std::size_t>(at.line),
-                                                        static_cast<std::size_t>(at.column), message));
-}
-
-std::optional<std::vector<std::uint32_t>> SqlParserPrivate::acceptedAfter(const std::vector<std::uint32_t>& ids) {
-  const std::string empty;
-  SqlLexer lexer(empty, nullptr);
-  ast::Node result;
-  CompletionQuery query{&ids, std::nullopt};
-  mSession = ParseSession{&lexer, &result, nullptr, 1, &mTexts, &mValues};
-  mSession.completion = &query;
-  struct Reset {
-    SqlParserPrivate& automaton;
-    ~Reset() { automaton.mSession = {}; }
-  } reset{*this};
-  // An empty text is a syntax error in state 0, before any action runs.
-  parse();
-  return std::move(query.accepted);
-}
-
-int SqlParserPrivate::run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors,
-                          int nestingLimit, RangeRecorder* ranges) {
-  mSession = ParseSession{&lexer, &result, &context, nestingLimit, &mTexts, &mValues, ranges};
-  mErrors = errors;
+int SqlParserPrivate::run(SqlLexer& lexer, ast::Node& result, ErrorList* errors, int nestingLimit,
+                          RangeRecorder* ranges) {
+  ParseSession session{&lexer, &result, nestingLimit, &mTexts, &mValues, errors, &mStacks, ranges};
   struct Reset {
     SqlParserPrivate& automaton;
     ~Reset() {
-      automaton.mSession = {};
-      automaton.mErrors = nullptr;
       // Texts and values that no rule took (a failed parse) go; the lists' room stays for the
       // next text.
       automaton.mTexts.clear();
       automaton.mValues.clear();
     }
   } reset{*this};
-  return parse();
+  try {
+    return velmor_sql_yyparse(session);
+  } catch (const SyntaxError& error) {
+    errors->push_back(std::make_shared<UnexpectedLexeme>(static_cast<std::size_t>(error.at.line),
+                                                         static_cast<std::size_t>(error.at.column), error.message));
+    return 1;
+  }
 }
 
 ParseContext::~ParseContext() = default;
@@ -173,7 +109,7 @@ bool SqlParser::parse(const std::string& text) {
     } dropLongStack{mAutomaton, text.size() > keptStackTextSize};
     RangeRecorder* ranges = keepSourceRanges ? &mAutomaton->ranges : nullptr;
     if (ranges) ranges->clear();
-    mAutomaton->run(lexer, tree, *context, &errors, std::max(nestingLimit, 1), ranges);
+    mAutomaton->run(lexer, tree, &errors, std::max(nestingLimit, 1), ranges);
     if (errors.empty()) {
       result = std::move(tree);
       if (ranges) sourceRanges = ranges->finish();
@@ -183,3 +119,9 @@ bool SqlParser::parse(const std::string& text) {
 }
 
 } // namespace velmor::sql
+
+// The name the automaton calls the scanner by.
+int velmor_sql_yylex(velmor::sql::SemanticValue* value, velmor::sql::Location* location,
+                     velmor::sql::ParseSession& session) {
+  return velmor::sql::yylex(value, location, session);
+}

@@ -7,56 +7,41 @@
 
 #include <velmor/sql/errors/SqlError.h>
 
-#include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace velmor::sql {
 
-/// The message of a syntax error in the state at the top of `context`'s stack: the lookahead's
-/// name and, when the state's own action row accepts one to four terminals, their names in
-/// symbol order ("error" and the error entries of nonassociative operators left out).
-std::string syntaxErrorMessage(const Parser::context& context);
-
-/// Throws the automaton's syntax_error "syntax error, nesting too deep (limit N)", N being the
-/// session's limit, located at the token that the session's scanner returned last.
-[[noreturn]] void nestingTooDeep(const ParseSession& session);
-
-/// A question to the automaton's tables: which terminals may follow `ids`. The error report
-/// answers it in `accepted` (nullopt when `ids` hold a syntax error).
-struct CompletionQuery {
-  const std::vector<std::uint32_t>* ids = nullptr;
-  std::optional<std::vector<std::uint32_t>> accepted;
+/// A syntax error found outside the automaton's own error detection (the nesting limit), at the
+/// place of the token that the scanner returned last. Thrown through the automaton, which holds
+/// nothing that needs releasing.
+struct SyntaxError {
+  Position at;
+  std::string message;
 };
 
-/// The automaton of one SqlParser, kept from parse to parse.
-class SqlParserPrivate final : public Parser {
+/// Throws the SyntaxError "syntax error, nesting too deep (limit N)", N being the session's
+/// limit, located at the token that the session's scanner returned last.
+[[noreturn]] void nestingTooDeep(const ParseSession& session);
+
+/// Appends an UnexpectedLexeme at the place of `location`, the automaton's lookahead.
+void reportSyntaxError(const ParseSession& session, const Location& location, const std::string& message);
+
+/// The automaton of one SqlParser, kept from parse to parse for the room of its lists.
+class SqlParserPrivate final {
 public:
   using ErrorList = std::vector<std::shared_ptr<SqlError>>;
 
-  // The base keeps a reference to mSession, which is only read once run() has filled it.
-  SqlParserPrivate() : Parser(mSession) {}
-
-  /// Parses the text of `lexer` into `result`; syntax errors go to `errors`. Returns what
-  /// Parser::parse returns; lets what it lets through pass.
+  /// Parses the text of `lexer` into `result`; a syntax error goes to `errors`. Returns 0 when
+  /// the text was accepted; lets std::bad_alloc and the scanner's errors pass.
   /// When `ranges` is not null, tokens and nodes are noted in it.
-  int run(SqlLexer& lexer, ast::Node& result, const ParseContext& context, ErrorList* errors, int nestingLimit,
-          RangeRecorder* ranges = nullptr);
-
-  /// The token ids the automaton accepts right after `ids`, in symbol order; nullopt when `ids`
-  /// are no beginning of a text that it accepts.
-  std::optional<std::vector<std::uint32_t>> acceptedAfter(const std::vector<std::uint32_t>& ids);
-
-  /// Appends an UnexpectedLexeme at the location's begin.
-  void error(const location_type& location, const std::string& message) override;
+  int run(SqlLexer& lexer, ast::Node& result, ErrorList* errors, int nestingLimit, RangeRecorder* ranges = nullptr);
 
 private:
-  ParseSession mSession;
-  ErrorList* mErrors = nullptr;
   std::vector<std::wstring> mTexts;
   ValueSlabs mValues;
+  AutomatonStacks mStacks;
 
 public:
   /// Notes of a parse that keeps source ranges; kept with the automaton for their room.

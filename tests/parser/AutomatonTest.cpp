@@ -41,7 +41,7 @@ TEST(Automaton, ReportHasTheDescribedSize) {
   EXPECT_NE(grammar.find("\n  236 opt_no_select: T_NOSELECT\n  237 "), std::string::npos);
   const std::string nonterminals = section(report, "\nNonterminals, with rules", "\nState 0\n");
   EXPECT_EQ(countMatches(nonterminals, std::regex(R"(\n    \S+ (<[^\n]*> )?\(\d+\))")), 68);
-  EXPECT_EQ(Parser::symbol_kind::YYNTOKENS, 113);
+  EXPECT_EQ(grammar::terminalCount(), 113);
 }
 
 TEST(Automaton, OnlyTheOperatorWordConflictsRemain) {
@@ -61,15 +61,15 @@ TEST(Automaton, OnlyTheOperatorWordConflictsRemain) {
 
 TEST(Automaton, SymbolTableOrder) {
   const char* const expectedHead[] = {"T_TERMINATION", "error", "invalid token", "T_UNINITIALIZED", "T_ALL"};
-  for (int i = 0; i < 5; ++i) EXPECT_STREQ(Parser::symbol_name(static_cast<Parser::symbol_kind_type>(i)), expectedHead[i]);
+  for (int i = 0; i < 5; ++i) EXPECT_STREQ(grammar::symbolName(i), expectedHead[i]);
   const char* const expectedTail[] = {"'|'", "'&'", "'+'", "'-'", "'*'", "'/'", "'\\\\'",
                                       "T_MOD", "'^'", "UMINUS", "'('", "')'", "'.'", "','"};
   for (int i = 0; i < 14; ++i) {
-    EXPECT_STREQ(Parser::symbol_name(static_cast<Parser::symbol_kind_type>(113 - 14 + i)), expectedTail[i]);
+    EXPECT_STREQ(grammar::symbolName(113 - 14 + i), expectedTail[i]);
   }
   // The named tokens in the order of their ids, T_ALL (258) to T_RSHIFT (352).
-  EXPECT_STREQ(Parser::symbol_name(static_cast<Parser::symbol_kind_type>(4 + 352 - 258)), "T_RSHIFT");
-  EXPECT_STREQ(Parser::symbol_name(static_cast<Parser::symbol_kind_type>(4 + 318 - 258)), "T_IDENTIFIER");
+  EXPECT_STREQ(grammar::symbolName(4 + 352 - 258), "T_RSHIFT");
+  EXPECT_STREQ(grammar::symbolName(4 + 318 - 258), "T_IDENTIFIER");
 }
 
 } // namespace
