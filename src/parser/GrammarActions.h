@@ -31,17 +31,36 @@ H newEmptyNode() {
   return ast::detail::makePooledEmptyNode<H>();
 }
 
-/// The wide text of a token, moved out of the session: each token's text goes to one record.
-/// An omitted optional name (noText) is the empty text.
+/// The wide text of a token: each token's text goes to one record. An omitted optional name
+/// (noText) is the empty text.
 inline std::wstring take(ParseSession& session, TextIndex index) {
   if (index == noText) return {};
-  return std::move((*session.texts)[index]);
+  const TextPiece& piece = (*session.texts)[index];
+  std::wstring text = Lexer::widen(piece.bytes);
+  if (piece.sign) [[unlikely]] text.insert(text.begin(), piece.sign);
+  return text;
 }
 
-/// A token's text with a sign put before it, in place.
+/// The value of a string token.
+inline ASTStringValue takeString(ParseSession& session, TextIndex index) {
+  const std::string_view raw = (*session.texts)[index].bytes;
+  ASTStringValue value;
+  // One quoted piece without escapes or doubled quotes, the usual literal, is its inside.
+  const char delimiter = raw.front();
+  const std::string_view inside = raw.substr(1, raw.size() - 2);
+  if (inside.find(delimiter) == std::string_view::npos && inside.find('\\') == std::string_view::npos) {
+    value.m_value = Lexer::widen(inside);
+  } else {
+    std::wstring wide;
+    Lexer::assignWide(raw, wide);
+    value.parse(wide);
+  }
+  return value;
+}
+
+/// A token's text with a sign put before it.
 inline TextIndex signedText(ParseSession& session, wchar_t sign, TextIndex index) {
-  std::wstring& text = (*session.texts)[index];
-  text.insert(text.begin(), sign);
+  (*session.texts)[index].sign = sign;
   return index;
 }
 
@@ -66,13 +85,13 @@ T take(ParseSession& session, Slot<T> slot) {
   return std::move(at(session, slot));
 }
 
-/// The location of a rule's symbol: from the begin of its first part to the end of its last
-/// (an empty rule sits at the end of the symbol before it), as deep as its deepest part.
-/// `parts[1]` to `parts[count]` are the locations of the rule's parts, `parts[0]` that of the
+/// The place of a rule's symbol: from the first token of its first part to the last of its
+/// last (an empty rule sits at the last token of the symbol before it), as deep as its deepest
+/// part. `parts[1]` to `parts[count]` are the places of the rule's parts, `parts[0]` that of the
 /// symbol below them.
-[[gnu::always_inline]] inline void span(Location& current, const Location* parts, int count) {
+[[gnu::always_inline]] inline void span(SymbolPlace& current, const SymbolPlace* parts, int count) {
   if (count == 0) {
-    current.begin = current.end = parts[0].end;
+    current.first = current.last = parts[0].last;
     current.depth = 0;
     return;
   }
@@ -81,8 +100,8 @@ T take(ParseSession& session, Slot<T> slot) {
     current = parts[1];
     return;
   }
-  current.begin = parts[1].begin;
-  current.end = parts[count].end;
+  current.first = parts[1].first;
+  current.last = parts[count].last;
   int depth = parts[1].depth;
   for (int i = 2; i <= count; ++i) depth = std::max(depth, parts[i].depth);
   current.depth = depth;
@@ -120,7 +139,7 @@ void growStacks(AutomatonStacks& room, State** states, std::ptrdiff_t stateBytes
 /// The rule made `made` over its parts: one level deeper, within the nesting limit; its place is
 /// noted when the caller keeps source ranges.
 template <class T>
-inline void nest(Location& location, const ParseSession& session, Slot<T> made) {
+inline void nest(SymbolPlace& location, const ParseSession& session, Slot<T> made) {
   if (++location.depth > session.nestingLimit) nestingTooDeep(session);
   if constexpr (requires(const T& node) { node.mImpl; }) {
     if (session.ranges) [[unlikely]] {

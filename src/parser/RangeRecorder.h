@@ -4,6 +4,7 @@
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/parser/SourceRanges.h>
 
+#include "parser/SymbolPlace.h"
 #include "sqllexer/Location.h"
 
 #include <cstddef>
@@ -13,26 +14,17 @@
 
 namespace velmor::sql {
 
-/// During such a parse a token's location holds, in place of its line, the token's number in
-/// the order read (begin and end alike), so that a rule's location names its first and last
-/// token; the noted tokens know their place and bytes. Syntax errors ask for the place back.
+/// A rule's SymbolPlace names its first and last token by number; the tokens noted here, in
+/// the same order, know their place and bytes.
 class RangeRecorder {
 public:
-  /// Notes a token and gives the location that stands for it.
-  /// `after` is the place right after the token, where the scanner stands once it has read it.
-  Location token(const Location& read, Position after, std::size_t beginOffset, std::size_t endOffset) {
-    const Position number(static_cast<int>(mTokens.size()), 0);
-    mTokens.push_back({read.begin.line, read.begin.column, after.line, after.column, beginOffset, endOffset});
-    return Location(number, number);
+  /// Notes the next token: `at` is its first character, `after` the place right after it,
+  /// where the scanner stands once it has read it.
+  void token(Position at, Position after, std::size_t beginOffset, std::size_t endOffset) {
+    mTokens.push_back({at.line, at.column, after.line, after.column, beginOffset, endOffset});
   }
-  void node(const ast::NodeInterface* node, const Location& location) {
-    mNodes.push_back({node, location.begin.line, location.end.line});
-  }
-  /// The place of the token that `location` stands for.
-  Position place(const Location& location) const {
-    const auto number = static_cast<std::size_t>(location.begin.line);
-    if (number >= mTokens.size()) return location.begin;
-    return Position(mTokens[number].line, mTokens[number].column);
+  void node(const ast::NodeInterface* node, const SymbolPlace& place) {
+    mNodes.push_back({node, static_cast<int>(place.first), static_cast<int>(place.last)});
   }
 
   /// The ranges of the noted nodes.

@@ -16,30 +16,28 @@ namespace velmor::sql {
 
 // The automaton copies its stack entries as plain bytes and destroys none of them.
 static_assert(std::is_trivially_copyable_v<SemanticValue>);
-static_assert(std::is_trivially_copyable_v<Location>);
+static_assert(std::is_trivially_copyable_v<SymbolPlace>);
 
 namespace {
 // Texts up to this size keep the automaton and its stacks for the next parse.
 constexpr std::size_t keptStackTextSize = 16384;
 } // namespace
 
-int yylex(SemanticValue* value, Location* location, ParseSession& session) {
+int yylex(SemanticValue* value, SymbolPlace* place, ParseSession& session) {
   SqlLexer& lexer = *session.lexer;
-  const int id = lexer.lexId(location);
+  const int id = lexer.lexId(nullptr);
+  const std::uint32_t number = session.tokens++;
+  *place = SymbolPlace{number, number, 0};
   if (session.ranges) [[unlikely]] {
     const std::size_t end = lexer.lexemeEnd();
-    *location = session.ranges->token(*location, Position(lexer.line(), lexer.column()),
-                                      id == T_TERMINATION ? end : lexer.lexemeBegin(), end);
+    session.ranges->token(Position(lexer.token().line, lexer.token().column), Position(lexer.line(), lexer.column()),
+                          id == T_TERMINATION ? end : lexer.lexemeBegin(), end);
   }
   // Only the five text tokens have a value. Their text waits in the session, and the slot holds
   // where.
   if (carriesText(static_cast<std::uint32_t>(id))) {
-    const std::string_view bytes = lexer.token().text;
     value->text = static_cast<TextIndex>(session.texts->size());
-    std::wstring& text = session.texts->emplace_back();
-    Lexer::assignWide(bytes, text);
-    // Widening sizes the text by its bytes; non-ASCII text needs fewer units than that.
-    if (text.size() != bytes.size()) text.shrink_to_fit();
+    session.texts->push_back({lexer.inText(lexer.token().text)});
   } else if (lexer.openParentheses() > session.nestingLimit) {
     // Parentheses that leave no node behind still take a place on the automaton's stack each.
     nestingTooDeep(session);
@@ -52,8 +50,8 @@ void nestingTooDeep(const ParseSession& session) {
                     "syntax error, nesting too deep (limit " + std::to_string(session.nestingLimit) + ")"};
 }
 
-void reportSyntaxError(const ParseSession& session, const Location& location, const std::string& message) {
-  const Position at = session.ranges ? session.ranges->place(location) : location.begin;
+void reportSyntaxError(const ParseSession& session, const std::string& message) {
+  const Token& at = session.lexer->token();
   session.errors->push_back(std::make_shared<UnexpectedLexeme>(static_cast<std::size_t>(at.line),
                                                                static_cast<std::size_t>(at.column), message));
 }
@@ -121,7 +119,7 @@ bool SqlParser::parse(const std::string& text) {
 } // namespace velmor::sql
 
 // The name the automaton calls the scanner by.
-int velmor_sql_yylex(velmor::sql::SemanticValue* value, velmor::sql::Location* location,
+int velmor_sql_yylex(velmor::sql::SemanticValue* value, velmor::sql::SymbolPlace* place,
                      velmor::sql::ParseSession& session) {
-  return velmor::sql::yylex(value, location, session);
+  return velmor::sql::yylex(value, place, session);
 }

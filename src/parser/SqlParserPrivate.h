@@ -25,8 +25,9 @@ struct SyntaxError {
 /// limit, located at the token that the session's scanner returned last.
 [[noreturn]] void nestingTooDeep(const ParseSession& session);
 
-/// Appends an UnexpectedLexeme at the place of `location`, the automaton's lookahead.
-void reportSyntaxError(const ParseSession& session, const Location& location, const std::string& message);
+/// Appends an UnexpectedLexeme at the automaton's lookahead, which is always the token that the
+/// session's scanner returned last.
+void reportSyntaxError(const ParseSession& session, const std::string& message);
 
 /// The automaton of one SqlParser, kept from parse to parse for the room of its lists.
 class SqlParserPrivate final {
@@ -39,7 +40,7 @@ public:
   int run(SqlLexer& lexer, ast::Node& result, ErrorList* errors, int nestingLimit, RangeRecorder* ranges = nullptr);
 
 private:
-  std::vector<std::wstring> mTexts;
+  std::vector<TextPiece> mTexts;
   ValueSlabs mValues;
   AutomatonStacks mStacks;
 

@@ -114,6 +114,38 @@ void Lexer::lexemeTooLong() {
   throw std::runtime_error("Distance between lexeme start and current pointer exceeds buffer size.");
 }
 
+std::wstring Lexer::widen(std::string_view bytes) {
+  const auto* p = reinterpret_cast<const unsigned char*>(bytes.data());
+  const std::size_t size = bytes.size();
+  const auto* end = p + size;
+  // The high bits of every byte, gathered by whole words; the last word may overlap the one
+  // before, and nothing is read outside the bytes.
+  std::uint64_t high = 0;
+  if (size >= 8) {
+    for (const auto* q = p; end - q > 8; q += 8) {
+      std::uint64_t word;
+      std::memcpy(&word, q, sizeof word);
+      high |= word;
+    }
+    std::uint64_t word;
+    std::memcpy(&word, end - 8, sizeof word);
+    high |= word;
+  } else if (size >= 4) {
+    std::uint32_t first, last;
+    std::memcpy(&first, p, sizeof first);
+    std::memcpy(&last, end - 4, sizeof last);
+    high = first | last;
+  } else {
+    for (const auto* q = p; q != end; ++q) high |= *q;
+  }
+  // ASCII through and through, as nearly every name and number is: a unit per byte.
+  if (!(high & 0x8080808080808080u)) return std::wstring(p, end);
+  std::wstring out;
+  assignWide(bytes, out);
+  out.shrink_to_fit();
+  return out;
+}
+
 void Lexer::assignWide(std::string_view bytes, std::wstring& out) {
   const auto* p = reinterpret_cast<const unsigned char*>(bytes.data());
   const auto* end = p + bytes.size();

@@ -71,6 +71,16 @@ public:
   /// Replaces `out` with the UTF-16 units of well-formed UTF-8 `bytes`; lead bytes are taken
   /// at face value and nothing is checked, since the automaton accepted the bytes already.
   static void assignWide(std::string_view bytes, std::wstring& out);
+  /// The same as a new text of exactly the units it needs, written once.
+  static std::wstring widen(std::string_view bytes);
+
+  /// The bytes of `piece`, a token's text, in the text itself rather than in the window: they
+  /// stay valid for as long as the text, after the scanner has read on.
+  std::string_view inText(std::string_view piece) const {
+    if (!mWindow) return piece;
+    const std::size_t offset = offsetOf(reinterpret_cast<const unsigned char*>(piece.data()));
+    return {reinterpret_cast<const char*>(mText) + offset, piece.size()};
+  }
 
 private:
   /// Called by the automaton when it reaches `limit`. With text left beyond the window, moves
