@@ -31,6 +31,28 @@ H newEmptyNode() {
   return ast::detail::makePooledEmptyNode<H>();
 }
 
+/// The next token for the automaton: its id, its place, and its text in the value slot of the
+/// five tokens that carry one (the text waits in the session, and the slot holds where).
+inline int nextToken(SemanticValue* value, SymbolPlace* place, ParseSession& session) {
+  SqlLexer& lexer = *session.lexer;
+  const int id = lexer.lexId(nullptr);
+  const std::uint32_t number = session.tokens++;
+  *place = SymbolPlace{number, number, 0};
+  if (session.ranges) [[unlikely]] {
+    const std::size_t end = lexer.lexemeEnd();
+    session.ranges->token(Position(lexer.token().line, lexer.token().column), Position(lexer.line(), lexer.column()),
+                          id == T_TERMINATION ? end : lexer.lexemeBegin(), end);
+  }
+  if (carriesText(static_cast<std::uint32_t>(id))) {
+    value->text = static_cast<TextIndex>(session.texts->size());
+    session.texts->push_back({lexer.inText(lexer.token().text)});
+  } else if (lexer.openParentheses() > session.nestingLimit) {
+    // Parentheses that leave no node behind still take a place on the automaton's stack each.
+    nestingTooDeep(session);
+  }
+  return id;
+}
+
 /// The wide text of a token: each token's text goes to one record. An omitted optional name
 /// (noText) is the empty text.
 inline std::wstring take(ParseSession& session, TextIndex index) {

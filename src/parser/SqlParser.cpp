@@ -23,28 +23,6 @@ namespace {
 constexpr std::size_t keptStackTextSize = 16384;
 } // namespace
 
-int yylex(SemanticValue* value, SymbolPlace* place, ParseSession& session) {
-  SqlLexer& lexer = *session.lexer;
-  const int id = lexer.lexId(nullptr);
-  const std::uint32_t number = session.tokens++;
-  *place = SymbolPlace{number, number, 0};
-  if (session.ranges) [[unlikely]] {
-    const std::size_t end = lexer.lexemeEnd();
-    session.ranges->token(Position(lexer.token().line, lexer.token().column), Position(lexer.line(), lexer.column()),
-                          id == T_TERMINATION ? end : lexer.lexemeBegin(), end);
-  }
-  // Only the five text tokens have a value. Their text waits in the session, and the slot holds
-  // where.
-  if (carriesText(static_cast<std::uint32_t>(id))) {
-    value->text = static_cast<TextIndex>(session.texts->size());
-    session.texts->push_back({lexer.inText(lexer.token().text)});
-  } else if (lexer.openParentheses() > session.nestingLimit) {
-    // Parentheses that leave no node behind still take a place on the automaton's stack each.
-    nestingTooDeep(session);
-  }
-  return id;
-}
-
 void nestingTooDeep(const ParseSession& session) {
   throw SyntaxError{Position(session.lexer->token().line, session.lexer->token().column),
                     "syntax error, nesting too deep (limit " + std::to_string(session.nestingLimit) + ")"};
@@ -117,9 +95,3 @@ bool SqlParser::parse(const std::string& text) {
 }
 
 } // namespace velmor::sql
-
-// The name the automaton calls the scanner by.
-int velmor_sql_yylex(velmor::sql::SemanticValue* value, velmor::sql::SymbolPlace* place,
-                     velmor::sql::ParseSession& session) {
-  return velmor::sql::yylex(value, place, session);
-}
