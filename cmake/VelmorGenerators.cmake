@@ -18,7 +18,7 @@ if(NOT _bison_version MATCHES "\\) 3\\.8")
   message(FATAL_ERROR "GNU Bison 3.8 is required, found '${_bison_version}'. Run scripts/install-deps.")
 endif()
 
-# velmor_re2c(<input.re> <output.cpp>): UTF-8 DFA, no dates or absolute paths in the output.
+# velmor_re2c(<input.re> <output>): UTF-8 DFA, no dates or absolute paths in the output.
 function(velmor_re2c input output)
   get_filename_component(_in ${input} ABSOLUTE)
   add_custom_command(

@@ -9,6 +9,7 @@
 #include "parser/SqlParserPrivate.h"
 #include "parser/ValueSlabs.h"
 #include "sqllexer/Location.h"
+#include "sqllexer/InlineScan.h"
 #include "sqllexer/SqlLexer.h"
 
 #include <algorithm>
@@ -35,7 +36,7 @@ H newEmptyNode() {
 /// five tokens that carry one (the text waits in the session, and the slot holds where).
 inline int nextToken(SemanticValue* value, SymbolPlace* place, ParseSession& session) {
   SqlLexer& lexer = *session.lexer;
-  const int id = lexer.lexId(nullptr);
+  const int id = lexer.lexIdInline();
   const std::uint32_t number = session.tokens++;
   *place = SymbolPlace{number, number, 0};
   if (session.ranges) [[unlikely]] {

@@ -30,6 +30,8 @@ public:
   /// lex() without the wide text: the text of the token is token().text, to be widened by
   /// the caller where it wants it.
   int lexId(Location* location);
+  /// lexId(nullptr) with the scanner's automaton inlined: defined in sqllexer/InlineScan.h.
+  int lexIdInline();
 
   /// Adds an UnknownLexeme to the error list. The scanner drops unmatched input silently and
   /// does not call it; it is here for a stricter scanner.
@@ -46,6 +48,8 @@ public:
   int openParentheses() const { return mOpenParentheses; }
 
 private:
+  /// The rest of lexId once the automaton has read a token into mToken, or not (`read`).
+  int lexed(bool read, Location* location);
   void endOfText();
   void traceToken() const;
 
@@ -57,8 +61,10 @@ private:
 };
 
 // Inline: the parser asks for every token through it.
-inline int SqlLexer::lexId(Location* location) {
-  if (!next(mToken)) endOfText();
+inline int SqlLexer::lexId(Location* location) { return lexed(next(mToken), location); }
+
+inline int SqlLexer::lexed(bool read, Location* location) {
+  if (!read) endOfText();
 
   if (mToken.id == '(') {
     ++mOpenParentheses;

@@ -1,4 +1,7 @@
-// The scanner's automaton: token patterns over UTF-8 bytes, compiled to a DFA by re2c.
+// The scanner's automaton: token patterns over UTF-8 bytes, compiled to a DFA by re2c into a
+// header, so that the parser can inline it. Scanner.cpp gives everyone else Lexer::next.
+#pragma once
+
 #include "sqllexer/Lexer.h"
 
 namespace velmor::sql {
@@ -29,7 +32,7 @@ namespace velmor::sql {
   EXACT = DIGIT+ "." DIGIT* | "." DIGIT+;
 */
 
-bool Lexer::next(Token& token) {
+[[gnu::always_inline]] inline bool Lexer::scan(Token& token) {
   if (mStatus != Status::Good) return false;
 
   const unsigned char* cur = mCursor;
