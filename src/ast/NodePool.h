@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <memory>
 #include <new>
+#include <type_traits>
+#include <utility>
 
 namespace velmor::sql::ast::detail {
 
@@ -112,6 +114,13 @@ template <class H = Node, class T>
 H makePooledNode(T&& record) {
   return H(std::allocate_shared<NodeImpl<std::decay_t<T>>>(PoolAllocator<NodeImpl<std::decay_t<T>>>(),
                                                            std::forward<T>(record)));
+}
+
+/// makePooledNode of the record that `make()` returns, made in place in the node.
+template <class H = Node, class Make>
+H makePooledNodeFrom(Make&& make) {
+  using T = std::invoke_result_t<Make>;
+  return H(std::allocate_shared<NodeImpl<T>>(PoolAllocator<NodeImpl<T>>(), std::in_place, std::forward<Make>(make)));
 }
 
 /// makeEmptyNode with a pooled block.

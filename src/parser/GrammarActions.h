@@ -27,6 +27,12 @@ template <class H = ast::Node, class T>
 H newNode(T&& record) {
   return ast::detail::makePooledNode<H>(std::forward<T>(record));
 }
+/// A node of the record that `make()` returns, made in place: a record's texts and lists are
+/// written once, where the node holds them.
+template <class H = ast::Node, class Make>
+H newNodeFrom(Make&& make) {
+  return ast::detail::makePooledNodeFrom<H>(std::forward<Make>(make));
+}
 template <class H = ast::Node>
 H newEmptyNode() {
   return ast::detail::makePooledEmptyNode<H>();
@@ -215,12 +221,13 @@ inline std::vector<ast::ExpressionNode> appendPair(std::vector<ast::ExpressionNo
 inline ast::ExpressionNode unary(OperationCode code, ast::ExpressionNode operand) {
   std::vector<ast::ExpressionNode> operands;
   operands.push_back(std::move(operand));
-  return newNode<ast::ExpressionNode>(ast::Operation(code, std::move(operands)));
+  return newNodeFrom<ast::ExpressionNode>([&] { return ast::Operation(code, std::move(operands)); });
 }
 
 inline ast::ExpressionNode binary(OperationCode code, ast::ExpressionNode left, ast::ExpressionNode right,
                                   ast::Quantifier quantifier = ast::Quantifier::None) {
-  return newNode<ast::ExpressionNode>(ast::Operation(code, std::move(left), std::move(right), quantifier));
+  return newNodeFrom<ast::ExpressionNode>(
+      [&] { return ast::Operation(code, std::move(left), std::move(right), quantifier); });
 }
 
 inline ast::ExpressionNode ternary(OperationCode code, ast::ExpressionNode first, ast::ExpressionNode second,
@@ -249,13 +256,14 @@ inline ast::ExpressionNode truthOf(TernaryLogic::Value value) {
   return newNode<ast::ExpressionNode>(ast::TernaryLogicNode{TernaryLogic(value)});
 }
 
-inline ast::ExpressionNode numberOf(ast::NumberKind kind, std::wstring text) {
-  return newNode<ast::ExpressionNode>(ast::Number{kind, std::move(text)});
+inline ast::ExpressionNode numberOf(ast::NumberKind kind, ParseSession& session, TextIndex text) {
+  return newNodeFrom<ast::ExpressionNode>([&] { return ast::Number{kind, take(session, text)}; });
 }
 
 inline ast::ExpressionNode functionOf(std::wstring name, bool asterisk, ast::SetQuantifier quantifier,
                                       std::vector<ast::ExpressionNode>&& arguments) {
-  return newNode<ast::ExpressionNode>(ast::Function{std::move(name), asterisk, quantifier, std::move(arguments)});
+  return newNodeFrom<ast::ExpressionNode>(
+      [&] { return ast::Function{std::move(name), asterisk, quantifier, std::move(arguments)}; });
 }
 
 inline ast::LimitSpecification limitOf(std::wstring limit, std::wstring offset) {
@@ -282,10 +290,17 @@ inline ast::QueryExpressionNode querySpecification(
     std::vector<ast::QueryExpressionNode>&& from, ast::ExpressionNode where, std::vector<ast::ExpressionNode>&& groupBy,
     ast::ExpressionNode having, std::vector<ast::SortSpecification>&& orderBy,
     ast::LimitSpecification&& limit) {
-  return newNode<ast::QueryExpressionNode>(ast::QuerySpecification{
-      quantifier == ast::SetQuantifier::Distinct, std::move(selectList), std::move(into), std::move(from),
-      std::move(where), std::move(groupBy), std::move(orderBy), std::move(having),
-      std::move(limit)});
+  return newNodeFrom<ast::QueryExpressionNode>([&] {
+    return ast::QuerySpecification{quantifier == ast::SetQuantifier::Distinct,
+                                   std::move(selectList),
+                                   std::move(into),
+                                   std::move(from),
+                                   std::move(where),
+                                   std::move(groupBy),
+                                   std::move(orderBy),
+                                   std::move(having),
+                                   std::move(limit)};
+  });
 }
 
 } // namespace velmor::sql::grammar

@@ -339,6 +339,9 @@ class VELMOR_SQL_API NodeImpl final : public NodeInterface {
 public:
   explicit NodeImpl(const T& value) : mValue(value) {}
   explicit NodeImpl(T&& value) : mValue(std::move(value)) {}
+  /// Holds the record that `make()` returns, made in place: none of its texts and lists moves.
+  template <class Make, std::enable_if_t<std::is_same_v<std::invoke_result_t<Make>, T>, int> = 0>
+  NodeImpl(std::in_place_t, Make&& make) : mValue(std::forward<Make>(make)()) {}
   /// Releases the subtree without recursion, however deep it is.
   ~NodeImpl() override { detail::releaseChildren(mValue); }
   bool isNull() const override { return false; }
