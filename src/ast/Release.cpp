@@ -3,36 +3,55 @@
 
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <vector>
 
 namespace velmor::sql::ast::detail {
 namespace {
 
-// The nodes waiting for release, last in first out. The first few stay on the stack: most trees
-// never need more, and then a release allocates nothing.
+// The nodes waiting for release, last in first out. The first few hundred stay in raw room on
+// the stack, made and destroyed one by one: most trees never need more, and then a release
+// allocates nothing and touches no more room than it uses.
 class Pending {
 public:
+  Pending() = default;
+  Pending(const Pending&) = delete;
+  Pending& operator=(const Pending&) = delete;
+  ~Pending() {
+    while (mCount > 0) slot(--mCount)->~Handle();
+  }
+
   bool empty() const noexcept { return mCount == 0 && mSpill.empty(); }
   // Throws std::bad_alloc only when the inline slots are full and the spill cannot grow.
   void push(std::shared_ptr<NodeInterface>&& node) {
-    if (mCount < kInline)
-      mInline[mCount++] = std::move(node);
-    else
+    if (mCount < kInline) {
+      new (slot(mCount)) Handle(std::move(node));
+      ++mCount;
+    } else {
       mSpill.push_back(std::move(node));
+    }
   }
   // Spilled nodes came last (the inline slots were full), so they go first.
   std::shared_ptr<NodeInterface> pop() noexcept {
-    if (mSpill.empty()) return std::move(mInline[--mCount]);
+    if (mSpill.empty()) {
+      Handle* last = slot(--mCount);
+      std::shared_ptr<NodeInterface> node = std::move(*last);
+      last->~Handle();
+      return node;
+    }
     std::shared_ptr<NodeInterface> node = std::move(mSpill.back());
     mSpill.pop_back();
     return node;
   }
 
 private:
-  static constexpr std::size_t kInline = 32;
-  std::shared_ptr<NodeInterface> mInline[kInline];
+  using Handle = std::shared_ptr<NodeInterface>;
+  static constexpr std::size_t kInline = 256;
+  Handle* slot(std::size_t index) noexcept { return std::launder(reinterpret_cast<Handle*>(mInline) + index); }
+
+  alignas(Handle) unsigned char mInline[kInline * sizeof(Handle)];
   std::size_t mCount = 0;
-  std::vector<std::shared_ptr<NodeInterface>> mSpill;
+  std::vector<Handle> mSpill;
 };
 
 // The list of the release running on this thread, or null when none runs. A plain pointer: it
