@@ -13,6 +13,7 @@
 #include "sqllexer/SqlLexer.h"
 
 #include <algorithm>
+#include <iterator>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -179,20 +180,37 @@ inline void nest(SymbolPlace& location, const ParseSession& session, Slot<T> mad
   }
 }
 
-/// A list that grows by append: room for four from the start saves the first regrowths, which
-/// most select lists, argument lists and value rows would otherwise take.
+/// Lists longer than this give their room back when taken instead of keeping it for the next.
+inline constexpr std::size_t maxSpareListRoom = 1024;
+
+/// A stored list of one element that grows by append, in the room of a list taken before it:
+/// growing happens in room that parses keep, and the list a record gets is made once, at its
+/// exact size, when a rule takes it.
 template <class T>
-std::vector<std::decay_t<T>> listOf(T&& first) {
-  std::vector<std::decay_t<T>> list;
-  list.reserve(4);
+Slot<std::vector<std::decay_t<T>>> newList(ParseSession& session, T&& first) {
+  using E = std::decay_t<T>;
+  auto& spares = session.values->sparesOf<E>();
+  std::vector<E> list;
+  if (spares.empty()) {
+    list.reserve(8);
+  } else {
+    list = std::move(spares.back());
+    spares.pop_back();
+  }
   list.push_back(std::forward<T>(first));
-  return list;
+  return put(session, std::move(list));
 }
 
-template <class T, class U>
-std::vector<T> append(std::vector<T>&& list, U&& element) {
-  list.push_back(std::forward<U>(element));
-  return std::move(list);
+/// A stored list, moved out at its exact size; its room goes to the next list.
+template <class E>
+std::vector<E> take(ParseSession& session, Slot<std::vector<E>> slot) {
+  std::vector<E>& list = at(session, slot);
+  std::vector<E> exact(std::make_move_iterator(list.begin()), std::make_move_iterator(list.end()));
+  list.clear();
+  if (list.capacity() > 0 && list.capacity() <= maxSpareListRoom) {
+    session.values->sparesOf<E>().push_back(std::move(list));
+  }
+  return exact;
 }
 
 /// Appends to a stored list in place, so that a long list is not moved for each element.
@@ -211,12 +229,6 @@ inline Slot<std::vector<ast::ExpressionNode>> appendPair(ParseSession& session,
   return list;
 }
 
-inline std::vector<ast::ExpressionNode> appendPair(std::vector<ast::ExpressionNode>&& list,
-                                                   ast::ExpressionNode when, ast::ExpressionNode then) {
-  list.push_back(std::move(when));
-  list.push_back(std::move(then));
-  return std::move(list);
-}
 
 inline ast::ExpressionNode unary(OperationCode code, ast::ExpressionNode operand) {
   std::vector<ast::ExpressionNode> operands;

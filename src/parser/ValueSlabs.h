@@ -21,6 +21,12 @@ public:
     return std::get<std::vector<T>>(mValues);
   }
 
+  /// Emptied lists whose room a new list may take; kept across parses.
+  template <class E>
+  std::vector<std::vector<E>>& sparesOf() {
+    return std::get<std::vector<std::vector<E>>>(mSpares);
+  }
+
   void clear() {
     std::apply([](auto&... values) { (values.clear(), ...); }, mValues);
   }
@@ -33,6 +39,10 @@ private:
              std::vector<std::vector<ast::ExpressionNode>>, std::vector<std::vector<ast::SortSpecification>>,
              std::vector<std::vector<ast::SetClause>>, std::vector<std::vector<std::wstring>>>
       mValues;
+  std::tuple<std::vector<std::vector<ast::Node>>, std::vector<std::vector<ast::QueryExpressionNode>>,
+             std::vector<std::vector<ast::ExpressionNode>>, std::vector<std::vector<ast::SortSpecification>>,
+             std::vector<std::vector<ast::SetClause>>, std::vector<std::vector<std::wstring>>>
+      mSpares;
 };
 
 } // namespace velmor::sql
