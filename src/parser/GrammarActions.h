@@ -78,7 +78,9 @@ inline ASTStringValue takeString(ParseSession& session, TextIndex index) {
   // One quoted piece without escapes or doubled quotes, the usual literal, is its inside.
   const char delimiter = raw.front();
   const std::string_view inside = raw.substr(1, raw.size() - 2);
-  if (inside.find(delimiter) == std::string_view::npos && inside.find('\\') == std::string_view::npos) {
+  bool plain = true;
+  for (const char c : inside) plain &= c != delimiter && c != '\\';
+  if (plain) {
     value.m_value = Lexer::widen(inside);
   } else {
     std::wstring wide;
@@ -276,6 +278,14 @@ inline ast::ExpressionNode functionOf(std::wstring name, bool asterisk, ast::Set
                                       std::vector<ast::ExpressionNode>&& arguments) {
   return newNodeFrom<ast::ExpressionNode>(
       [&] { return ast::Function{std::move(name), asterisk, quantifier, std::move(arguments)}; });
+}
+
+/// No LIMIT and no OFFSET: nothing stored, and the record's empty part is made where it goes.
+inline constexpr Slot<ast::LimitSpecification> noLimit{~std::uint32_t{0}};
+
+inline ast::LimitSpecification take(ParseSession& session, Slot<ast::LimitSpecification> slot) {
+  if (slot.index == noLimit.index) return {};
+  return std::move(at(session, slot));
 }
 
 inline ast::LimitSpecification limitOf(std::wstring limit, std::wstring offset) {
