@@ -53,8 +53,8 @@ inline int nextToken(SemanticValue* value, SymbolPlace* place, ParseSession& ses
   }
   if (carriesText(static_cast<std::uint32_t>(id))) {
     value->text = static_cast<TextIndex>(session.texts->size());
-    session.texts->push_back({lexer.inText(lexer.token().text)});
-  } else if (lexer.openParentheses() > session.nestingLimit) {
+    session.texts->push_back({lexer.inText(lexer.token().text), 0, lexer.token().ascii});
+  } else if (id == '(' && lexer.openParentheses() > session.nestingLimit) {
     // Parentheses that leave no node behind still take a place on the automaton's stack each.
     nestingTooDeep(session);
   }
@@ -66,7 +66,8 @@ inline int nextToken(SemanticValue* value, SymbolPlace* place, ParseSession& ses
 inline std::wstring take(ParseSession& session, TextIndex index) {
   if (index == noText) return {};
   const TextPiece& piece = (*session.texts)[index];
-  std::wstring text = Lexer::widen(piece.bytes);
+  const auto* bytes = reinterpret_cast<const unsigned char*>(piece.bytes.data());
+  std::wstring text = piece.ascii ? std::wstring(bytes, bytes + piece.bytes.size()) : Lexer::widen(piece.bytes);
   if (piece.sign) [[unlikely]] text.insert(text.begin(), piece.sign);
   return text;
 }

@@ -34,6 +34,11 @@ public:
     mTokens.clear();
     mNodes.clear();
   }
+  /// Gives back room for more than `entries` tokens or nodes.
+  void trim(std::size_t entries) {
+    if (mTokens.capacity() > entries) std::vector<TokenPlace>().swap(mTokens);
+    if (mNodes.capacity() > entries) std::vector<NodePlace>().swap(mNodes);
+  }
 
 private:
   struct TokenPlace {

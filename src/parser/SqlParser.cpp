@@ -18,11 +18,6 @@ namespace velmor::sql {
 static_assert(std::is_trivially_copyable_v<SemanticValue>);
 static_assert(std::is_trivially_copyable_v<SymbolPlace>);
 
-namespace {
-// Texts up to this size keep the automaton and its stacks for the next parse.
-constexpr std::size_t keptStackTextSize = 16384;
-} // namespace
-
 void nestingTooDeep(const ParseSession& session) {
   throw SyntaxError{Position(session.lexer->token().line, session.lexer->token().column),
                     "syntax error, nesting too deep (limit " + std::to_string(session.nestingLimit) + ")"};
@@ -39,13 +34,20 @@ int SqlParserPrivate::run(SqlLexer& lexer, ast::Node& result, ErrorList* errors,
   ParseSession session{&lexer, &result, nestingLimit, &mTexts, &mValues, errors, &mStacks, ranges};
   struct Reset {
     SqlParserPrivate& automaton;
+    const ParseSession& session;
     ~Reset() {
       // Texts and values that no rule took (a failed parse) go; the lists' room stays for the
-      // next text.
+      // next text, up to a bound. A token makes a few values and stack entries at most, so only
+      // a text of many tokens can have grown a list past it.
       automaton.mTexts.clear();
       automaton.mValues.clear();
+      if (session.tokens > keptEntries / 8) {
+        ValueSlabs::trimRoom(automaton.mTexts, keptEntries);
+        automaton.mValues.trim(keptEntries);
+        if (automaton.mStacks.size > static_cast<std::ptrdiff_t>(keptEntries)) automaton.mStacks = AutomatonStacks();
+      }
     }
-  } reset{*this};
+  } reset{*this, session};
   try {
     return velmor_sql_yyparse(session);
   } catch (const SyntaxError& error) {
@@ -74,21 +76,16 @@ bool SqlParser::parse(const std::string& text) {
     SqlLexer lexer(text, &errors);
     lexer.setTrace(debugTrace);
     if (!mAutomaton) mAutomaton = std::make_unique<SqlParserPrivate>();
-    // A long text may grow the automaton's stack far beyond what statements need: drop it
-    // afterwards, also when an exception passes.
-    struct DropLongStack {
-      std::unique_ptr<SqlParserPrivate>& automaton;
-      bool longText;
-      ~DropLongStack() {
-        if (longText) automaton.reset();
-      }
-    } dropLongStack{mAutomaton, text.size() > keptStackTextSize};
     RangeRecorder* ranges = keepSourceRanges ? &mAutomaton->ranges : nullptr;
     if (ranges) ranges->clear();
     mAutomaton->run(lexer, tree, &errors, std::max(nestingLimit, 1), ranges);
     if (errors.empty()) {
       result = std::move(tree);
       if (ranges) sourceRanges = ranges->finish();
+    }
+    if (ranges) {
+      ranges->clear();
+      ranges->trim(SqlParserPrivate::keptEntries);
     }
   }
   return !result.isNull();

@@ -39,6 +39,10 @@ public:
   /// When `ranges` is not null, tokens and nodes are noted in it.
   int run(SqlLexer& lexer, ast::Node& result, ErrorList* errors, int nestingLimit, RangeRecorder* ranges = nullptr);
 
+  /// What the automaton keeps for the next parse is room for this many entries per list at
+  /// most: statements of a few thousand tokens reuse it, and a longer text's room goes.
+  static constexpr std::size_t keptEntries = 8192;
+
 private:
   std::vector<TextPiece> mTexts;
   ValueSlabs mValues;

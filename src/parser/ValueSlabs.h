@@ -31,6 +31,20 @@ public:
     std::apply([](auto&... values) { (values.clear(), ...); }, mValues);
   }
 
+  /// Gives back the room of every list longer than `entries`, and spare lists beyond that many:
+  /// what a parser keeps between parses stays bounded, whatever texts it read.
+  void trim(std::size_t entries) {
+    std::apply([entries](auto&... values) { (trimRoom(values, entries), ...); }, mValues);
+    std::apply([entries](auto&... spares) { ((spares.size() > entries ? spares.resize(entries) : void()), ...); },
+               mSpares);
+  }
+
+  /// Gives back the room of `list` when it holds more than `entries`.
+  template <class T>
+  static void trimRoom(std::vector<T>& list, std::size_t entries) {
+    if (list.capacity() > entries) std::vector<T>().swap(list);
+  }
+
 private:
   std::tuple<std::vector<ast::Node>, std::vector<ast::QueryExpressionNode>, std::vector<ast::ExpressionNode>,
              std::vector<ast::TypeNode<ast::IntoClause>>, std::vector<ast::SortSpecification>,

@@ -24,6 +24,9 @@ struct Token {
   std::uint32_t id = T_UNINITIALIZED;
   int line = 1;
   int column = 1;
+  /// The text is known to be ASCII (a name or an integer of ASCII characters): it widens a
+  /// byte to a unit without looking.
+  bool ascii = false;
 };
 
 /// Reads one text from start to end and hands out its tokens. Unmatched input is dropped a
@@ -97,8 +100,9 @@ private:
   void advance(const unsigned char* from, const unsigned char* to);
   /// The same for a lexeme without tabs and line breaks: one column per code point.
   void advanceInLine(const unsigned char* from, const unsigned char* to);
-  void setToken(Token& token, std::uint32_t id, const unsigned char* lexeme) {
+  void setToken(Token& token, std::uint32_t id, const unsigned char* lexeme, bool ascii = false) {
     mLexeme = lexeme;
+    token.ascii = ascii;
     token.id = id;
     token.line = mLine;
     token.column = mColumn;

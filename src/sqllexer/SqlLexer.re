@@ -213,7 +213,7 @@ bracketed:
 asciiWord:
   if (mStatus != Status::Good) goto ended;
   token.text = std::string_view(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));
-  setToken(token, id, tok);
+  setToken(token, id, tok, true);
   mColumn += static_cast<int>(cur - tok);
   mCursor = cur;
   return true;
