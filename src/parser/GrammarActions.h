@@ -204,9 +204,16 @@ Slot<std::vector<std::decay_t<T>>> newList(ParseSession& session, T&& first) {
   return put(session, std::move(list));
 }
 
+/// The slot of a value that is not stored: an omitted part, made empty where it goes.
+inline constexpr std::uint32_t notStored = ~std::uint32_t{0};
+/// An empty list, for an omitted clause.
+template <class E>
+inline constexpr Slot<std::vector<E>> emptyList{notStored};
+
 /// A stored list, moved out at its exact size; its room goes to the next list.
 template <class E>
 std::vector<E> take(ParseSession& session, Slot<std::vector<E>> slot) {
+  if (slot.index == notStored) return {};
   std::vector<E>& list = at(session, slot);
   std::vector<E> exact(std::make_move_iterator(list.begin()), std::make_move_iterator(list.end()));
   list.clear();
@@ -282,10 +289,10 @@ inline ast::ExpressionNode functionOf(std::wstring name, bool asterisk, ast::Set
 }
 
 /// No LIMIT and no OFFSET: nothing stored, and the record's empty part is made where it goes.
-inline constexpr Slot<ast::LimitSpecification> noLimit{~std::uint32_t{0}};
+inline constexpr Slot<ast::LimitSpecification> noLimit{notStored};
 
 inline ast::LimitSpecification take(ParseSession& session, Slot<ast::LimitSpecification> slot) {
-  if (slot.index == noLimit.index) return {};
+  if (slot.index == notStored) return {};
   return std::move(at(session, slot));
 }
 
