@@ -22,9 +22,6 @@ struct Location {
 
   Position begin;
   Position end;
-  /// Levels of tree nodes that the symbol's value holds: 0 for a token, one more than its
-  /// deepest part for a symbol whose rule makes a node. Compared with the nesting limit.
-  int depth = 0;
 };
 
 inline bool operator==(const Position& a, const Position& b) {

@@ -77,7 +77,6 @@ inline int SqlLexer::lexed(bool read, Location* location) {
   if (location) {
     location->begin = Position(mToken.line, mToken.column);
     location->end = Position(mToken.line, mToken.column + static_cast<int>(mToken.text.size()) + 1);
-    location->depth = 0;
   }
   return static_cast<int>(mToken.id);
 }
