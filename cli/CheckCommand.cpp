@@ -1,6 +1,7 @@
 // velmor-sql check: a query or an UPDATE validated against the catalogue, each fault with its place.
 #include "Catalogue.h"
 #include "Commands.h"
+#include "Documents.h"
 #include "Input.h"
 #include <velmor/sql/host/Check.h>
 #include <velmor/sql/host/TypeNames.h>
@@ -56,6 +57,7 @@ nlohmann::json faultJson(const PlacedFault& placed) {
 } // namespace
 
 int runCheck(const std::vector<std::string>& args) {
+  if (auto status = runDocuments(DocumentCommand::Check, args)) return *status;
   std::vector<std::string> rest = args;
   const auto catalogue = takeCatalogue("check", rest);
   if (!catalogue) return exitUsage;

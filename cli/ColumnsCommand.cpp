@@ -1,6 +1,7 @@
 // velmor-sql columns: the result columns of a query, as the catalogue describes its tables.
 #include "Catalogue.h"
 #include "Commands.h"
+#include "Documents.h"
 #include "Input.h"
 #include <velmor/sql/host/TypeNames.h>
 #include <velmor/sql/host/Utf8.h>
@@ -28,6 +29,7 @@ std::string orDash(const std::wstring& text) { return text.empty() ? std::string
 } // namespace
 
 int runColumns(const std::vector<std::string>& args) {
+  if (auto status = runDocuments(DocumentCommand::Columns, args)) return *status;
   std::vector<std::string> rest = args;
   const auto catalogue = takeCatalogue("columns", rest);
   if (!catalogue) return exitUsage;

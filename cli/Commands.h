@@ -7,10 +7,12 @@
 
 namespace velmor::cli {
 
-/// Exit statuses shared by every subcommand.
+/// Exit statuses shared by every subcommand: 0 good, 1 faults found, 2 bad usage or catalogue.
 inline constexpr int exitOk = 0;
 inline constexpr int exitFailure = 1;
 inline constexpr int exitUsage = 2;
+/// A statement that does not parse (faults found are exitFailure).
+inline constexpr int exitSyntax = 3;
 
 // int runTokens(const std::vector<std::string>& args); and so on: `args` are the arguments
 // after the subcommand's name; the result is the process's exit status.

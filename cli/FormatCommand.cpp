@@ -2,6 +2,7 @@
 
 #include "Catalogue.h"
 #include "Commands.h"
+#include "Documents.h"
 #include "Input.h"
 
 #include <velmor/sql/host/Utf8.h>
@@ -68,6 +69,7 @@ int formatWith(sql::SqlStringBuilder& builder, const std::string& text, Verify v
 } // namespace
 
 int runFormat(const std::vector<std::string>& args) {
+  if (auto status = runDocuments(DocumentCommand::Format, args)) return *status;
   std::vector<std::string> rest = args;
   const auto context = takeStringBuildContext("format", rest);
   if (!context) return exitUsage;

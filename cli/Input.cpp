@@ -53,11 +53,7 @@ bool takeFlag(std::vector<std::string>& args, const char* flag) {
   return false;
 }
 
-namespace {
-
-// The skipped bytes as the user typed them: well-formed UTF-8 as it is (a quote or backslash
-// behind a backslash), anything else as \xHH, and a long run cut short.
-std::string shown(const std::string& text, std::size_t offset, std::size_t length) {
+std::string shownBytes(const std::string& text, std::size_t offset, std::size_t length) {
   constexpr std::size_t kMost = 24;
   const std::size_t end = offset + std::min(length, kMost);
   std::string out;
@@ -81,8 +77,6 @@ std::string shown(const std::string& text, std::size_t offset, std::size_t lengt
   return out;
 }
 
-} // namespace
-
 bool reportSkippedText(const std::string& text, bool strict) {
   const char* level = strict ? "error: " : "warning: ";
   bool clean = true;
@@ -90,7 +84,7 @@ bool reportSkippedText(const std::string& text, bool strict) {
     clean = false;
     std::cerr << level << part.line << ':' << part.column << ": ";
     if (part.kind == sql::SkippedText::Kind::Dropped) {
-      std::cerr << '\'' << shown(text, part.offset, part.length) << "' is not SQL and was skipped\n";
+      std::cerr << '\'' << shownBytes(text, part.offset, part.length) << "' is not SQL and was skipped\n";
     } else {
       const std::size_t after = part.length - 1;
       std::cerr << "the text ends at a NUL byte; " << after << (after == 1 ? " byte after it was" : " bytes after it were")

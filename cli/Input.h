@@ -1,6 +1,7 @@
 // How every subcommand gets its SQL text and its few options.
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -21,6 +22,10 @@ std::optional<int> handleOptions(const char* command, const std::vector<std::str
 /// Removes `flag` from the options in front of the text (the arguments up to the first that does
 /// not start with "--"), wherever it stands among them; true when it was there.
 bool takeFlag(std::vector<std::string>& args, const char* flag);
+
+/// Bytes the scanner skipped, as the user typed them: well-formed UTF-8 as it is (a quote or
+/// backslash behind a backslash), anything else as \xHH, and a long run cut short with "...".
+std::string shownBytes(const std::string& text, std::size_t offset, std::size_t length);
 
 /// Tells on stderr what a parse of `text` ignores: bytes the scanner skipped ("warning: 1:8: '$'
 /// is not SQL and was skipped") and a NUL that ends the text early. With `strict` these are

@@ -24,9 +24,17 @@ constexpr Command commands[] = {
 
 void printHelp(std::ostream& out) {
   out << "usage: velmor-sql <command> [args...]\n"
-         "       velmor-sql --help\n\n"
-         "SQL text is taken from the arguments, joined by single blanks; with no argument or\n"
-         "with '-' it is read from standard input. Output is UTF-8.\n\n"
+         "       velmor-sql --help | --version\n\n"
+         "SQL text is taken from the arguments, joined by single blanks, as one statement; with no\n"
+         "argument or with '-' it is read from standard input. Output is UTF-8.\n\n"
+         "Documents of many statements (SQL files, query logs) are named with -f FILE (--file,\n"
+         "repeatable; a directory stands for its *.sql files, '-' for standard input) in check,\n"
+         "format and columns. Statements end at ';' outside strings, bracketed names and comments\n"
+         "('--' to the line's end, '/* */'; --no-comments reads these as text); with --lines a line's\n"
+         "end ends a statement too (logs of one statement a line). Places are FILE:LINE:COL.\n"
+         "--jobs N works on N statements at once; the output keeps the document's order.\n\n"
+         "exit status: 0 all good, 1 faults found (or a statement that would change its meaning),\n"
+         "2 bad usage, unreadable file or bad catalogue, 3 a statement that does not parse.\n\n"
          "commands:\n";
   for (const Command& command : commands) {
     out << "  " << command.name << ' ' << command.arguments << "\n      " << command.summary << '\n';
@@ -53,6 +61,10 @@ int main(int argc, char** argv) {
     return exitUsage;
   }
   const std::string_view first = argv[1];
+  if (first == "--version" || first == "-V") {
+    std::cout << "velmor-sql " << VELMOR_SQL_VERSION << '\n';
+    return exitOk;
+  }
   if (first == "--help" || first == "-h" || first == "help") {
     printHelp(std::cout);
     return exitOk;
