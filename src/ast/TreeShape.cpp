@@ -96,11 +96,58 @@ std::wstring ownValues(const Node& node) {
   return std::move(values.text);
 }
 
+// An AND or OR without quantifier over two operands: a link of a chain that may be regrouped.
+bool isChainLink(const Node& node, OperationCode code) {
+  if (node.isNull() || !nodeIs<Operation>(node)) return false;
+  const Operation& operation = getNodeValue<Operation>(node);
+  return operation.operation == code && operation.quantifier == Quantifier::None && operation.operands.size() == 2;
+}
+
+std::optional<OperationCode> chainCode(const Node& node) {
+  for (const OperationCode code : {OperationCode::And, OperationCode::Or}) {
+    if (isChainLink(node, code)) return code;
+  }
+  return std::nullopt;
+}
+
+// The operands of a chain in text order, with the links of the same operator opened up.
+std::vector<Node> chainOperands(const Node& head, OperationCode code) {
+  std::vector<Node> operands;
+  std::vector<Node> pending{head};
+  while (!pending.empty()) {
+    Node node = std::move(pending.back());
+    pending.pop_back();
+    if (!isChainLink(node, code)) {
+      operands.push_back(std::move(node));
+      continue;
+    }
+    const auto& links = getNodeValue<Operation>(node).operands;
+    for (std::size_t i = links.size(); i-- > 0;) pending.push_back(links[i]);
+  }
+  return operands;
+}
+
 } // namespace
 
-std::optional<std::pair<Node, Node>> firstDifference(const Node& left, const Node& right) {
-  const auto alike = [](const Node& a, const Node& b) {
-    return a.mImpl == b.mImpl || (a.isNull() && b.isNull()) || (a.isNull() == b.isNull() && ownValues(a) == ownValues(b));
+std::optional<std::pair<Node, Node>> firstDifference(const Node& left, const Node& right, Grouping grouping) {
+  const bool associative = grouping == Grouping::Associative;
+  // A chain's own values name its operator and its operand count once flattened.
+  const auto own = [associative](const Node& node) {
+    if (associative) {
+      if (const auto code = chainCode(node))
+        return L"Chain\x1F" + std::to_wstring(static_cast<int>(*code)) + L'\x1F' +
+               std::to_wstring(chainOperands(node, *code).size());
+    }
+    return ownValues(node);
+  };
+  const auto children = [associative](const Node& node) {
+    if (associative) {
+      if (const auto code = chainCode(node)) return chainOperands(node, *code);
+    }
+    return ast::children(node);
+  };
+  const auto alike = [&own](const Node& a, const Node& b) {
+    return a.mImpl == b.mImpl || (a.isNull() && b.isNull()) || (a.isNull() == b.isNull() && own(a) == own(b));
   };
   if (!alike(left, right)) return std::pair{left, right};
   std::vector<std::pair<Node, Node>> pending{{left, right}};

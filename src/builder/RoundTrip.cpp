@@ -17,7 +17,7 @@ RoundTripReport checkRoundTrip(const ast::Node& tree, const StringBuildContext* 
     report.syntaxError = parser.errors.empty() ? "syntax error" : parser.errors.front()->what();
     return report;
   }
-  const auto difference = ast::firstDifference(tree, parser.result);
+  const auto difference = ast::firstDifference(tree, parser.result, ast::Grouping::Associative);
   if (!difference) {
     report.same = true;
     return report;

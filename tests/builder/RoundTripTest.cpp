@@ -48,5 +48,36 @@ TEST(TreeShape, SameShapeAcrossParsesAndFirstDifference) {
   }
 }
 
+// Associative grouping opens up chains of one AND or one OR, and nothing else.
+TEST(TreeShape, AssociativeGroupingFlattensOnlyChainsOfOneOperator) {
+  struct Pair {
+    const char* left;
+    const char* right;
+    bool same;
+  };
+  const Pair pairs[] = {
+      {"a OR (b OR c)", "(a OR b) OR c", true},
+      {"(a AND b) AND (c AND d)", "a AND (b AND (c AND d))", true},
+      {"f(a OR (b OR c))", "f((a OR b) OR c)", true},
+      {"a OR (b AND c)", "(a OR b) AND c", false},
+      {"a AND (b OR c)", "(a AND b) OR c", false},
+      {"a OR (b OR c)", "a AND (b AND c)", false},
+      {"a OR b OR c", "a OR c OR b", false},
+      {"a OR b OR c", "a OR b OR c OR d", false},
+      {"a OR (b OR c)", "a OR (b OR d)", false},
+      {"a - (b - c)", "(a - b) - c", false},
+      {"a * (b / c)", "(a * b) / c", false},
+  };
+  const ParseContext context;
+  SqlParser a(context), b(context);
+  for (const Pair& pair : pairs) {
+    ASSERT_TRUE(a.parse(std::string("SELECT x FROM t WHERE ") + pair.left)) << pair.left;
+    ASSERT_TRUE(b.parse(std::string("SELECT x FROM t WHERE ") + pair.right)) << pair.right;
+    EXPECT_EQ(!ast::firstDifference(a.result, b.result, ast::Grouping::Associative), pair.same)
+        << pair.left << " / " << pair.right;
+    if (pair.same) EXPECT_FALSE(ast::sameTree(a.result, b.result)) << pair.left;
+  }
+}
+
 } // namespace
 } // namespace velmor::sql

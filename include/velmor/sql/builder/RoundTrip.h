@@ -16,7 +16,8 @@ namespace velmor::sql {
 struct RoundTripReport {
   /// The canonical text of the tree (SqlStringBuilder with the given context).
   std::wstring text;
-  /// True when `text` parses to a tree of the same shape (ast::sameTree).
+  /// True when `text` parses to a tree of the same shape (ast::firstDifference with
+  /// Grouping::Associative: a chain of one AND or one OR may come back grouped otherwise).
   bool same = false;
   /// When `text` does not parse: the syntax error's message, with its line and column in
   /// `text`. Empty otherwise.

@@ -1,0 +1,2 @@
+SELECT parcel_id FROM parcels;
+SELECT  nope FROM parcels;

@@ -1,0 +1,1 @@
+SELECT zone_id FROM zones;

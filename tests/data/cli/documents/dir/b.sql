@@ -1,0 +1,3 @@
+SELECT 1 FROM parcels;
+SELECT parcel_id
+FROM parcels
