@@ -52,12 +52,15 @@ function(check_installation prefix)
     string(REGEX MATCH "-L([^ ]+)" _ "${flags}")
     get_filename_component(_lib "${CMAKE_MATCH_1}" REALPATH)
     get_filename_component(_real "${prefix}" REALPATH)
-    if(NOT _include STREQUAL "${_real}/include" OR NOT _lib STREQUAL "${_real}/${LIBDIR}" OR NOT flags MATCHES "-l${_pc}( |$)")
+    # The language standard is the consumer's to choose: a flag here would override it.
+    if(NOT _include STREQUAL "${_real}/include" OR NOT _lib STREQUAL "${_real}/${LIBDIR}" OR NOT flags MATCHES "-l${_pc}( |$)"
+       OR flags MATCHES "-std=")
       message(FATAL_ERROR "pkg-config ${_pc} in ${prefix}: ${flags}")
     endif()
   endforeach()
   separate_arguments(flags UNIX_COMMAND "${flags}")
-  run("pkg-config build in ${prefix}" ${CXX} ${WORK_DIR}/example/gis-host.cpp ${flags} -o ${WORK_DIR}/gis-host-pc)
+  # A consumer on a later standard than the library's own.
+  run("pkg-config build in ${prefix}" ${CXX} -std=c++23 ${WORK_DIR}/example/gis-host.cpp ${flags} -o ${WORK_DIR}/gis-host-pc)
   run("pkg-config build run" ${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${prefix}/${LIBDIR} ${WORK_DIR}/gis-host-pc)
 endfunction()
 
