@@ -439,7 +439,7 @@ public:
     summarize();
     if (!readable) return exitUsage;
     if (mTotals.outcomes[static_cast<int>(Outcome::Syntax)] > 0) return exitSyntax;
-    if (mTotals.outcomes[static_cast<int>(Outcome::Faults)] > 0) return exitFailure;
+    if (mTotals.outcomes[static_cast<int>(Outcome::Faults)] > 0 || mLeftAsItIs) return exitFailure;
     return exitOk;
   }
 
@@ -512,6 +512,7 @@ private:
       why = "it could not be replaced (" + error.message() + ")";
     }
     fs::remove(temporary, error);
+    mLeftAsItIs = true;
     std::cerr << "velmor-sql format: " << path << " left as it is: " << why << '\n';
     if (failed || !wrote) return false;
     return true;
@@ -585,6 +586,7 @@ private:
   Totals mTotals;
   std::uintmax_t mBytes = 0;
   std::size_t mSarifResults = 0;
+  bool mLeftAsItIs = false;
   std::set<std::string> mRules;
 };
 
