@@ -13,12 +13,63 @@ void advance(DocumentPlace& place, char byte) {
   ++place.offset;
 }
 
+// Bytes that change nothing but the column in code (blanks other than ' ' move to the grid or
+// the next line) and in strings: runs of them are taken at once.
+struct RunTables {
+  bool code[256] = {};
+  bool quoted[256] = {};
+  constexpr RunTables() {
+    for (int byte = 0; byte < 256; ++byte) {
+      const bool special = byte == '\n' || byte == '\t' || byte == '\r' || byte == '\v' || byte == '\f';
+      quoted[byte] = !special && byte != '\'' && byte != '"' && byte != '\\';
+      code[byte] = quoted[byte] && byte != ';' && byte != '-' && byte != '/' && byte != '[';
+    }
+  }
+};
+constexpr RunTables runTables;
+
+std::size_t columnsOf(std::string_view run) {
+  std::size_t columns = 0;
+  for (const char byte : run) columns += (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
+  return columns;
+}
+
 } // namespace
 
 StatementSplitter::StatementSplitter(SplitOptions options) : mOptions(options) {}
 
 void StatementSplitter::feed(std::string_view bytes, std::vector<DocumentStatement>& out) {
-  for (const char byte : bytes) take(byte, out);
+  // Most bytes of a statement are plain: such runs go in with one append; the rest byte by byte.
+  for (std::size_t at = 0; at < bytes.size();) {
+    const bool inCode = mState == State::Code && mStarted && !mPending;
+    const bool inString = (mState == State::SingleQuoted || mState == State::DoubleQuoted) && !mQuoteSeen && !mEscaped;
+    if (inCode || inString) {
+      const bool* plain = inCode ? runTables.code : runTables.quoted;
+      std::size_t end = at;
+      while (end < bytes.size() && plain[static_cast<unsigned char>(bytes[end])]) ++end;
+      if (end > at) {
+        takeRun(bytes.substr(at, end - at));
+        at = end;
+        continue;
+      }
+    }
+    take(bytes[at++], out);
+  }
+}
+
+void StatementSplitter::takeRun(std::string_view run) {
+  mCurrent.text.append(run);
+  mCurrent.source.append(run);
+  std::size_t significant = run.size();
+  while (significant > 0 && run[significant - 1] == ' ') --significant;
+  if (significant > 0) {
+    mKept = mCurrent.text.size() - (run.size() - significant);
+    mKeptEnd = mPlace;
+    mKeptEnd.column += columnsOf(run.substr(0, significant));
+    mKeptEnd.offset += significant;
+  }
+  mPlace.column += columnsOf(run);
+  mPlace.offset += run.size();
 }
 
 void StatementSplitter::finish(std::vector<DocumentStatement>& out) {

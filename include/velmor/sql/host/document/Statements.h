@@ -69,6 +69,7 @@ private:
   enum class State { Code, SingleQuoted, DoubleQuoted, Bracketed, LineComment, BlockComment };
 
   void take(char byte, std::vector<DocumentStatement>& out);
+  void takeRun(std::string_view run);
   void append(char byte, bool blank);
   void endStatement(std::vector<DocumentStatement>& out);
 
