@@ -43,11 +43,18 @@ public:
 
   void read(const json& root) {
     expectObject(root, "");
-    checkKeys(root, "", {"description", "types", "typeSets", "tables", "functions", "operators",
+    checkKeys(root, "", {"description", "extends", "types", "typeSets", "tables", "functions", "operators",
                          "conversions", "ranking", "precedence"});
     // Order matters: names of types and sets come first, the ranking before any result rule
-    // that ranks.
+    // that ranks. The file's own types come before the standard set, so that a "Geometry" of the
+    // file is the one its spatial predicates take.
     if (root.contains("types")) readAliases(root["types"], "types");
+    if (root.contains("extends")) {
+      const json& base = root["extends"];
+      if (!base.is_string() || lowered(base.get<std::string>()) != "standard")
+        fail("extends", "unknown base " + base.dump() + " (expected \"standard\")");
+      if (!m_catalogue.hasStandardSql()) m_catalogue.addStandardSql();
+    }
     if (root.contains("typeSets")) readSets(root["typeSets"], "typeSets");
     if (root.contains("ranking")) readRanking(root["ranking"], "ranking");
     if (root.contains("tables")) readTables(root["tables"], "tables");

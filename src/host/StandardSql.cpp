@@ -43,6 +43,7 @@ void Catalogue::addStandardSql(PlainType geometry) {
   if (!isTypeName("Geometry")) addTypeName("Geometry", std::make_shared<Type>(geometry));
   readCatalogue(*this, standardSqlText(), "(standard SQL set)");
   addOperator(OperationCode::Case, {std::make_shared<CaseOverload>(*this)});
+  m_standardSql = true;
 }
 
 } // namespace velmor::sql::host

@@ -128,6 +128,22 @@ TEST(HostCatalogue, FileAddsToTheStandardSet) {
                CatalogueError);
 }
 
+// "extends": "standard" adds the set once: to an empty catalogue, not again to one that has it.
+TEST(HostCatalogue, FileExtendsTheStandardSetOnce) {
+  const char* file = R"({"extends": "standard", "tables": [{"name": "t", "columns": [{"name": "g", "type": "Geometry"}]}]})";
+  const auto alone = host::parseCatalogue(file, "alone");
+  EXPECT_TRUE(alone->hasStandardSql());
+  EXPECT_EQ(host::typeText(alone->table(L"t")->columnByName(L"g").type()), "BinaryLargeObject");
+  Catalogue c;
+  c.addStandardSql(PlainType::VarBinary);
+  const std::size_t operators = c.operatorCount();
+  host::readCatalogue(c, file, "on top");
+  EXPECT_EQ(c.operatorCount(), operators);
+  EXPECT_EQ(host::typeText(c.table(L"t")->columnByName(L"g").type()), "VarBinary");
+  EXPECT_FALSE(host::parseCatalogue(R"({"tables": []})", "plain")->hasStandardSql());
+  EXPECT_THROW(host::parseCatalogue(R"({"extends": ["standard"]})", "list"), CatalogueError);
+}
+
 // A written catalogue reads back into one that writes the same text and answers the same.
 TEST(HostCatalogueFile, WrittenCatalogueReadsBack) {
   const std::pair<const char*, const Catalogue*> cases[] = {

@@ -122,6 +122,9 @@ public:
   /// ranks its results by this catalogue, so it is meant for this catalogue only. Throws
   /// CatalogueError when the catalogue has sets of those names already.
   void addStandardSql(type::PlainType geometry = type::PlainType::BinaryLargeObject);
+  /// True once addStandardSql has run on this catalogue (a file that extends the standard set
+  /// then adds to it as it stands).
+  bool hasStandardSql() const noexcept { return m_standardSql; }
 
   // ---- types ---------------------------------------------------------------------------------
   /// A host type name (matched without ASCII case) for a type, usable wherever a type text is.
@@ -223,6 +226,7 @@ private:
   std::shared_ptr<std::map<type::PlainType, int>> m_ranks;
   std::map<OperationCode, int> m_levels;
   bool m_ownPrecedence = false;
+  bool m_standardSql = false;
   std::map<OperationCode, std::wstring> m_operatorTexts;
   std::map<std::string, std::shared_ptr<Type>> m_typeNames;           // by lower-case name
   std::map<std::string, std::vector<type::PlainType>> m_typeSets;     // by lower-case name
