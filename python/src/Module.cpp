@@ -9,6 +9,8 @@
 #include <velmor/sql/host/Check.h>
 #include <velmor/sql/host/TypeNames.h>
 #include <velmor/sql/host/Utf8.h>
+#include <velmor/sql/host/document/DocumentCheck.h>
+#include <velmor/sql/host/document/Statements.h>
 
 #include <velmor/sql/ast/EnumNames.h>
 #include <velmor/sql/builder/RenameTableBuilder.h>
@@ -24,6 +26,9 @@
 #include <pybind11/stl.h>
 
 #include <algorithm>
+#include <atomic>
+#include <thread>
+#include <tuple>
 #include <memory>
 #include <mutex>
 #include <shared_mutex>
@@ -232,6 +237,74 @@ py::object check(const std::string& text, const PyCatalogue& catalogue) {
   return result;
 }
 
+py::tuple placeTuple(const host::DocumentPlace& place) { return py::make_tuple(place.line, place.column, place.offset); }
+
+// The statements of a document: (index, text as the parser reads it, text as written, begin
+// place, end place), places as (line, column, byte offset).
+py::list splitStatements(const std::string& text, bool comments, bool lines) {
+  std::vector<host::DocumentStatement> statements;
+  {
+    py::gil_scoped_release free;
+    statements = host::splitStatements(text, host::SplitOptions{comments, lines});
+  }
+  py::list result;
+  for (const auto& statement : statements) {
+    result.append(py::make_tuple(statement.index, statement.text, statement.source, placeTuple(statement.begin),
+                                 placeTuple(statement.end)));
+  }
+  return result;
+}
+
+// Checks a batch of statements on `jobs` threads with the GIL released, a checker each, results in
+// the batch's order: (outcome, faults as in check, syntax error message or None, its place or
+// None, record name of a statement that is not checked). An item is (text, source, line, column,
+// offset): its place in a document, (1, 1, 0) for a statement on its own.
+py::list checkBatch(const std::vector<std::tuple<std::string, std::string, std::size_t, std::size_t, std::size_t>>& items,
+                    const PyCatalogue& catalogue, unsigned jobs) {
+  std::vector<host::DocumentStatement> statements(items.size());
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    auto& [text, source, line, column, offset] = items[i];
+    statements[i].index = i;
+    statements[i].text = text;
+    statements[i].source = source;
+    statements[i].begin = {offset, line, column};
+  }
+  std::vector<host::StatementCheck> checks(items.size());
+  {
+    py::gil_scoped_release free;
+    std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
+    const unsigned threads = static_cast<unsigned>(std::max<std::size_t>(1, std::min<std::size_t>(jobs, items.size())));
+    std::atomic<std::size_t> next{0};
+    const auto work = [&] {
+      host::DocumentChecker checker(*catalogue.catalogue, *catalogue.catalogue);
+      for (std::size_t i; (i = next.fetch_add(1)) < statements.size();) checks[i] = checker.check(statements[i]);
+    };
+    std::vector<std::thread> pool;
+    for (unsigned t = 1; t < threads; ++t) pool.emplace_back(work);
+    work();
+    for (std::thread& thread : pool) thread.join();
+  }
+  static constexpr const char* outcomes[] = {"ok", "faults", "syntax error", "not checkable"};
+  py::list result;
+  for (const host::StatementCheck& check : checks) {
+    py::list faults;
+    for (const auto& fault : check.faults) {
+      py::object range = py::none();
+      if (fault.range) {
+        const sql::SourceRange& r = *fault.range;
+        range = py::make_tuple(r.beginLine, r.beginColumn, r.endLine, r.endColumn, r.beginOffset, r.endOffset);
+      }
+      faults.append(py::make_tuple(faultData(*fault.fault), range));
+    }
+    const bool syntax = check.outcome == host::StatementCheck::Outcome::SyntaxError;
+    result.append(py::make_tuple(outcomes[static_cast<int>(check.outcome)], faults,
+                                 syntax ? py::object(py::str(check.syntaxError)) : py::none(),
+                                 syntax ? py::object(placeTuple(check.syntaxPlace)) : py::none(),
+                                 check.kind.empty() ? py::none() : py::object(py::str(check.kind))));
+  }
+  return result;
+}
+
 // (name, type, original table, original name) for each result column; a fault is raised as
 // the data of one.
 py::object columns(const std::string& text, const PyCatalogue& catalogue) {
@@ -332,6 +405,8 @@ PYBIND11_MODULE(_core, m) {
         },
         py::arg("sql"), py::arg("old"), py::arg("new"), py::arg("context"));
   m.def("check", &check, py::arg("sql"), py::arg("catalogue"));
+  m.def("split_statements", &splitStatements, py::arg("text"), py::arg("comments"), py::arg("lines"));
+  m.def("check_batch", &checkBatch, py::arg("items"), py::arg("catalogue"), py::arg("jobs"));
   m.def("columns", &columns, py::arg("sql"), py::arg("catalogue"));
   m.def("type_of", &typeOf, py::arg("expression"), py::arg("catalogue"), py::arg("tables"));
 

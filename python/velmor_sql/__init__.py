@@ -13,7 +13,7 @@ from __future__ import annotations
 
 import json
 import os
-from typing import Any, NamedTuple, Sequence
+from typing import Any, Iterable, Iterator, NamedTuple, Sequence
 
 from . import _core
 
@@ -118,10 +118,22 @@ class Catalogue(_core.Catalogue):
     @classmethod
     def from_json(cls, source: str | os.PathLike[str] | dict[str, Any], standard: bool = False) -> "Catalogue":
         """A catalogue from a catalogue file (a path) or its content as a dict, in the format of
-        docs/catalogue.md; with ``standard`` the file builds on the standard SQL set."""
+        docs/catalogue.md. A file with ``"extends": "standard"`` builds on the standard SQL set
+        by itself; ``standard`` starts from that set for a file that does not say so."""
         catalogue = cls.standard() if standard else cls()
         catalogue.load_json(source)
         return catalogue
+
+    @classmethod
+    def _from_json_text(cls, text: str) -> "Catalogue":
+        catalogue = cls()
+        catalogue.load_json_text(text, "pickle")
+        return catalogue
+
+    def __reduce__(self) -> tuple[Any, tuple[str]]:
+        # Pickled as its catalogue file, which reads back into an equal catalogue: so a catalogue
+        # travels to worker processes (multiprocessing, Dask) as any argument does.
+        return (type(self)._from_json_text, (self.to_json_text(),))
 
     def load_json(self, source: str | os.PathLike[str] | dict[str, Any]) -> None:
         """Adds a catalogue file (a path) or its content as a dict to this catalogue."""
@@ -237,5 +249,82 @@ def complete(text: str, offset: int, catalogue: Catalogue) -> Completion:
     return Completion(start, end, [Candidate(*candidate) for candidate in candidates])
 
 
-__all__ = ["Candidate", "Catalogue", "CatalogueError", "Column", "Completion", "Fault", "SourceRange", "SqlFault",
-           "SqlSyntaxError", "check", "columns", "complete", "format", "parse", "rename", "tokens", "type_of"]
+class Place(NamedTuple):
+    """A place in a document: line and column from 1 (a column per character, tabs to a grid of
+    4), and the UTF-8 byte offset from 0."""
+
+    line: int
+    column: int
+    offset: int
+
+
+class Statement(NamedTuple):
+    """One statement of a document: its number from 0, its text as the parser reads it (comments
+    blanked), its text as written, and the places of its first character and right after its
+    last."""
+
+    index: int
+    text: str
+    source: str
+    begin: Place
+    end: Place
+
+
+def split_statements(text: str, *, comments: bool = True, lines: bool = False) -> list[Statement]:
+    """The statements of a document (an SQL file, a query log), split at ';' outside strings,
+    bracketed names and comments ("--" to the line's end and "/* */"; ``comments=False`` reads
+    them as text). Statements of nothing but blanks and comments are skipped; a last one without
+    ';' counts. With ``lines`` a line's end ends a statement too (one statement a line)."""
+    return [Statement(index, sql, source, Place(*begin), Place(*end))
+            for index, sql, source, begin, end in _core.split_statements(text, comments, lines)]
+
+
+class CheckResult(NamedTuple):
+    """What checking one statement gave: ``outcome`` is "ok", "faults", "syntax error" or "not
+    checkable" (neither a query nor an UPDATE, ``kind`` names it); ``faults`` as ``check`` gives
+    them, with ranges in the document for a Statement; ``syntax_error`` and ``syntax_place`` for
+    a statement that does not parse."""
+
+    outcome: str
+    faults: list[Fault]
+    syntax_error: str | None
+    syntax_place: Place | None
+    kind: str | None
+
+    @property
+    def ok(self) -> bool:
+        return self.outcome == "ok"
+
+
+def check_many(statements: Iterable[str | Statement], catalogue: Catalogue, *, jobs: int | None = None,
+               batch: int = 512) -> Iterator[CheckResult]:
+    """Checks statements as they come from any iterable (a file's lines, ``split_statements``,
+    a generator over a log), ``batch`` at a time on ``jobs`` threads (default: the machine's
+    processors) with the GIL released; yields one result per statement, in their order. A
+    Statement's faults are placed in its document; a str's in itself."""
+    jobs = jobs if jobs is not None else (os.cpu_count() or 1)
+    if jobs < 1 or batch < 1:
+        raise ValueError("jobs and batch must be at least 1")
+    pending: list[tuple[str, str, int, int, int]] = []
+
+    def run() -> Iterator[CheckResult]:
+        for outcome, faults, message, place, kind in _core.check_batch(pending, catalogue, jobs):
+            yield CheckResult(outcome,
+                              [Fault(*data, range=SourceRange(*where) if where else None) for data, where in faults],
+                              message, Place(*place) if place else None, kind)
+        pending.clear()
+
+    for item in statements:
+        if isinstance(item, Statement):
+            pending.append((item.text, item.source, item.begin.line, item.begin.column, item.begin.offset))
+        else:
+            pending.append((item, item, 1, 1, 0))
+        if len(pending) >= batch:
+            yield from run()
+    if pending:
+        yield from run()
+
+
+__all__ = ["Candidate", "Catalogue", "CatalogueError", "CheckResult", "Column", "Completion", "Fault", "Place",
+           "SourceRange", "SqlFault", "SqlSyntaxError", "Statement", "check", "check_many", "columns", "complete",
+           "format", "parse", "rename", "split_statements", "tokens", "type_of"]

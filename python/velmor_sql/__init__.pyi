@@ -1,4 +1,4 @@
-from typing import Any, NamedTuple, Sequence
+from typing import Iterable, Iterator, Any, NamedTuple, Sequence
 import os
 
 class SqlSyntaxError(ValueError):
@@ -77,3 +77,29 @@ class Completion(NamedTuple):
     candidates: list[Candidate]
 
 def complete(text: str, offset: int, catalogue: Catalogue) -> Completion: ...
+
+class Place(NamedTuple):
+    line: int
+    column: int
+    offset: int
+
+class Statement(NamedTuple):
+    index: int
+    text: str
+    source: str
+    begin: Place
+    end: Place
+
+def split_statements(text: str, *, comments: bool = ..., lines: bool = ...) -> list[Statement]: ...
+
+class CheckResult(NamedTuple):
+    outcome: str
+    faults: list[Fault]
+    syntax_error: str | None
+    syntax_place: Place | None
+    kind: str | None
+    @property
+    def ok(self) -> bool: ...
+
+def check_many(statements: Iterable[str | Statement], catalogue: Catalogue, *, jobs: int | None = ...,
+               batch: int = ...) -> Iterator[CheckResult]: ...
