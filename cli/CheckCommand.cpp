@@ -79,7 +79,7 @@ int runCheck(const std::vector<std::string>& args) {
                 << '\n';
     }
     for (const auto& error : parser.errors) std::cerr << error->what() << '\n';
-    return exitFailure;
+    return exitSyntax;
   }
 
   if (!isCheckable(parser.result)) {

@@ -42,7 +42,7 @@ int runColumns(const std::vector<std::string>& args) {
   sql::SqlParser parser(parseContext);
   if (!parser.parse(text)) {
     for (const auto& error : parser.errors) std::cerr << error->what() << '\n';
-    return exitFailure;
+    return exitSyntax;
   }
   if (!sql::ast::nodeIs<sql::ast::QuerySpecification>(parser.result)) {
     const char* kind = sql::ast::recordName(parser.result);

@@ -42,7 +42,7 @@ int formatWith(sql::SqlStringBuilder& builder, const std::string& text, Verify v
     sql::SqlParser parser(parseContext);
     if (!parser.parse(text)) {
       for (const auto& error : parser.errors) std::cerr << error->what() << '\n';
-      return exitFailure;
+      return exitSyntax;
     }
     out = toUtf8(builder.buildString(parser.result));
     if (verify.on) {
