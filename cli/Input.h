@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include <velmor/sql/scope/Scoping.h>
+
 namespace velmor::cli {
 
 /// The text of a subcommand's arguments: joined by single blanks; none, or a lone "-", reads
@@ -21,6 +23,11 @@ std::optional<int> handleOptions(const char* command, const std::vector<std::str
 /// Removes `flag` from the options in front of the text (the arguments up to the first that does
 /// not start with "--"), wherever it stands among them; true when it was there.
 bool takeFlag(std::vector<std::string>& args, const char* flag);
+
+/// Takes "--scoping standard|compatible" (or "--scoping=...") from the options in front of the
+/// text into `scoping`, which keeps its value (the tool's default, standard) when the option is
+/// absent. False, with the reason on stderr, for another value or a missing one.
+bool takeScoping(const char* command, std::vector<std::string>& args, sql::Scoping& scoping);
 
 /// Tells on stderr what a parse of `text` ignores: bytes the scanner skipped ("warning: 1:8: '$'
 /// is not SQL and was skipped") and a NUL that ends the text early. With `strict` these are

@@ -37,14 +37,17 @@ class Fault:
     """A semantic fault of a statement: its number (the library's error type), its class name,
     and its fields as attributes (``tableName``, ``columnName``, ``argumentTypes``, ...); texts
     are ``str``, counts ``int``, flags ``bool``, types as their readable names. ``range`` is
-    where in the statement the fault is (from ``check``), or None."""
+    where in the statement the fault is (from ``check``), or None; ``message`` is the fault in
+    words for a person, in the catalogue's type names, with a "did you mean" where one fits
+    (from ``check``; otherwise the data line)."""
 
     def __init__(self, number: int, class_name: str, fields: Sequence[tuple[str, Any]], line: str,
-                 range: SourceRange | None = None) -> None:
+                 range: SourceRange | None = None, message: str | None = None) -> None:
         self.number = number
         self.class_name = class_name
         self.fields = dict(fields)
         self.range = range
+        self.message = message if message else line
         self._line = line
         for name, value in fields:
             setattr(self, name, value)
@@ -184,11 +187,17 @@ def rename(sql: str, old: str, new: str, context: Catalogue | str | None = _STAN
     return _core.rename(sql, old, new, context)
 
 
-def check(sql: str, catalogue: Catalogue) -> list[Fault]:
-    """The faults of a query or an UPDATE against the catalogue, in the order found, each with
-    the range of the node it is about (None where no single node is meant); empty when it is
-    valid. Raises SqlSyntaxError, or ValueError for a statement that cannot be checked."""
-    return [Fault(*data, range=SourceRange(*where) if where else None) for data, where in _core.check(sql, catalogue)]
+def check(sql: str, catalogue: Catalogue, scoping: str = "standard") -> list[Fault]:
+    """The faults of a statement against the catalogue, each with the range of the node it is
+    about (None where no single node is meant) and its message; empty when it is valid.
+
+    ``scoping="standard"`` (the default here) checks any statement kind by standard SQL's rules,
+    every clause at every depth, and gives all faults in the order of the text;
+    ``"compatible"`` is the library's own default: a query or an UPDATE, and the first fault
+    that ends the check. Raises SqlSyntaxError, or ValueError for a statement that cannot be
+    checked or an unknown scoping."""
+    return [Fault(*data, range=SourceRange(*where) if where else None, message=message)
+            for data, where, message in _core.check(sql, catalogue, scoping)]
 
 
 def _or_fault(result: Any) -> Any:
@@ -197,17 +206,19 @@ def _or_fault(result: Any) -> Any:
     return result
 
 
-def columns(sql: str, catalogue: Catalogue) -> list[Column]:
-    """The result columns of a query. Raises SqlSyntaxError, SqlFault, or ValueError for a
-    statement that is no query."""
-    return [Column(*row) for row in _or_fault(_core.columns(sql, catalogue))]
+def columns(sql: str, catalogue: Catalogue, scoping: str = "standard") -> list[Column]:
+    """The result columns of a query (in standard scoping also of UNION, VALUES and TABLE), types
+    in the catalogue's own names. Raises SqlSyntaxError, SqlFault (the first fault), or
+    ValueError for a statement that is no query."""
+    return [Column(*row) for row in _or_fault(_core.columns(sql, catalogue, scoping))]
 
 
-def type_of(expression: str, catalogue: Catalogue, tables: Sequence[str] = ()) -> str:
+def type_of(expression: str, catalogue: Catalogue, tables: Sequence[str] = (), scoping: str = "standard") -> str:
     """The type of an expression whose columns come from ``tables`` (side by side, as in a FROM
-    list), as "Integer", "VarChar(50)", "Decimal(5,3)", "Tuple(...)". Raises SqlSyntaxError,
-    SqlFault, or ValueError for a text that is no expression."""
-    return _or_fault(_core.type_of(expression, catalogue, list(tables)))
+    list), as "Integer", "VarChar(50)", "Decimal(5,3)", "Geometry" (the catalogue's own names),
+    "Tuple(...)". In standard scoping a subquery has a scope of its own and one column counts as
+    its value. Raises SqlSyntaxError, SqlFault, or ValueError for a text that is no expression."""
+    return _or_fault(_core.type_of(expression, catalogue, list(tables), scoping))
 
 
 class Candidate(NamedTuple):

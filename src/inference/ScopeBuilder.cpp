@@ -6,6 +6,7 @@
 #include <velmor/sql/errors/SemanticErrors.h>
 
 #include "inference/ResultColumns.h"
+#include "inference/StandardAnalysis.h"
 #include "types/ColumnOrder.h"
 
 #include <cstdint>
@@ -176,6 +177,19 @@ std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const
                                           const ast::QuerySpecification& query,
                                           const std::shared_ptr<ColumnInfoScope>& external) {
   return buildTableInfo(global, buildScope(global, tables, query, external), query.selectList);
+}
+
+std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const TableInfoContext& tables,
+                                          const ast::Node& query, Scoping scoping,
+                                          const std::shared_ptr<ColumnInfoScope>& external) {
+  if (scoping == Scoping::Compatible) {
+    if (!ast::nodeIs<ast::QuerySpecification>(query)) return std::make_shared<GenericTableInfo>(std::vector<ColumnInfo>{});
+    return buildTableInfo(global, tables, ast::getNodeValue<ast::QuerySpecification>(query), external);
+  }
+  detail::StandardAnalysis analysis(global, tables, nullptr);
+  detail::LevelScope outside(nullptr);
+  outside.m_local = external;
+  return std::make_shared<GenericTableInfo>(analysis.checkQuery(query, external ? &outside : nullptr).columns);
 }
 
 } // namespace velmor::sql

@@ -5,6 +5,7 @@
 #include <velmor/sql/errors/SemanticErrors.h>
 #include <velmor/sql/types/Strings.h>
 
+#include "common/DeepStack.h"
 #include "inference/ResultColumns.h"
 #include "types/ColumnOrder.h"
 
@@ -363,6 +364,12 @@ void StandardAnalysis::checkStatement(const ast::Node& statement, const std::sha
 }
 
 StandardAnalysis::Columns StandardAnalysis::checkQuery(const ast::Node& query, const LevelScope* outer) {
+  // Queries nest in FROM lists without a walk through Node::accept, so each level watches the
+  // stack itself.
+  return withStackResult<Columns>([&] { return checkQueryHere(query, outer); });
+}
+
+StandardAnalysis::Columns StandardAnalysis::checkQueryHere(const ast::Node& query, const LevelScope* outer) {
   if (ast::nodeIs<ast::QuerySpecification>(query)) {
     return checkSpecification(ast::getNodeValue<ast::QuerySpecification>(query), outer);
   }

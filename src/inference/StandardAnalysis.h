@@ -77,6 +77,7 @@ public:
   Columns checkQuery(const ast::Node& query, const LevelScope* outer);
 
 private:
+  Columns checkQueryHere(const ast::Node& query, const LevelScope* outer);
   Columns checkSpecification(const ast::QuerySpecification& query, const LevelScope* outer);
   Columns checkOperation(const ast::QueryOperation& operation, const ast::Node& node, const LevelScope* outer);
   Columns checkValues(const ast::RowValueExpressionList& list, const LevelScope* outer);
