@@ -51,7 +51,7 @@ nlohmann::json faultJson(const PlacedFault& placed) {
              {"end", placeJson(r.endLine, r.endColumn, r.endOffset)}};
   }
   return {{"class", faultClassName(fault)}, {"type", static_cast<int>(fault.type())}, {"fields", fields},
-          {"text", errorLine(fault)}, {"range", range}};
+          {"message", placed.message}, {"text", errorLine(fault)}, {"range", range}};
 }
 
 } // namespace
@@ -63,6 +63,8 @@ int runCheck(const std::vector<std::string>& args) {
   if (!catalogue) return exitUsage;
   const bool strict = takeFlag(rest, "--strict");
   const bool json = takeFlag(rest, "--json");
+  sql::Scoping scoping = sql::Scoping::Standard;
+  if (!takeScoping("check", rest, scoping)) return exitUsage;
   if (auto status = handleOptions("check", rest)) return *status;
   const std::string text = readInput(rest);
   if (!reportSkippedText(text, strict)) return exitFailure;
@@ -82,13 +84,16 @@ int runCheck(const std::vector<std::string>& args) {
     return exitSyntax;
   }
 
-  if (!isCheckable(parser.result)) {
+  if (!isCheckable(parser.result, scoping)) {
     const char* kind = sql::ast::recordName(parser.result);
     std::cerr << "velmor-sql check: not checkable: " << (kind ? kind : "nothing")
-              << " (only a query specification or an UPDATE can be checked)\n";
+              << (scoping == sql::Scoping::Compatible
+                      ? " (with --scoping compatible only a query specification or an UPDATE can be checked)\n"
+                      : "\n");
     return exitUsage;
   }
-  const std::vector<PlacedFault> faults = checkStatement(parser.result, parser.sourceRanges.get(), *catalogue, *catalogue);
+  const std::vector<PlacedFault> faults =
+      checkStatement(parser.result, parser.sourceRanges.get(), *catalogue, *catalogue, scoping);
 
   if (json) {
     nlohmann::json list = nlohmann::json::array();
@@ -100,7 +105,7 @@ int runCheck(const std::vector<std::string>& args) {
     // The place first, so that an editor or a reader finds it at the line's start.
     for (const PlacedFault& fault : faults) {
       if (fault.range) std::cout << sql::rangeText(*fault.range) << ' ';
-      std::cout << errorLine(*fault.fault) << '\n';
+      std::cout << fault.message << " [" << faultClassName(*fault.fault) << "]\n";
     }
   }
   std::cout.flush();

@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "Documents.h"
 #include "Input.h"
+#include <velmor/sql/host/Messages.h>
 #include <velmor/sql/host/TypeNames.h>
 #include <velmor/sql/host/Utf8.h>
 
@@ -34,6 +35,8 @@ int runColumns(const std::vector<std::string>& args) {
   const auto catalogue = takeCatalogue("columns", rest);
   if (!catalogue) return exitUsage;
   const bool strict = takeFlag(rest, "--strict");
+  sql::Scoping scoping = sql::Scoping::Standard;
+  if (!takeScoping("columns", rest, scoping)) return exitUsage;
   if (auto status = handleOptions("columns", rest)) return *status;
   const std::string text = readInput(rest);
   if (!reportSkippedText(text, strict)) return exitFailure;
@@ -44,19 +47,24 @@ int runColumns(const std::vector<std::string>& args) {
     for (const auto& error : parser.errors) std::cerr << error->what() << '\n';
     return exitSyntax;
   }
-  if (!sql::ast::nodeIs<sql::ast::QuerySpecification>(parser.result)) {
+  const bool query = sql::ast::nodeIs<sql::ast::QuerySpecification>(parser.result) ||
+                     (scoping == sql::Scoping::Standard &&
+                      (sql::ast::nodeIs<sql::ast::QueryOperation>(parser.result) ||
+                       sql::ast::nodeIs<sql::ast::RowValueExpressionList>(parser.result) ||
+                       sql::ast::nodeIs<sql::ast::ExplicitTable>(parser.result)));
+  if (!query) {
     const char* kind = sql::ast::recordName(parser.result);
     std::cerr << "velmor-sql columns: no result columns for " << (kind ? kind : "nothing")
-              << " (only a query specification has them here)\n";
+              << (scoping == sql::Scoping::Compatible ? " (only a query specification has them here)\n"
+                                                      : " (only a query has them)\n");
     return exitUsage;
   }
 
   std::shared_ptr<sql::TableInfo> table;
   try {
-    table = sql::buildTableInfo(*catalogue, *catalogue,
-                                sql::ast::getNodeValue<sql::ast::QuerySpecification>(parser.result), nullptr);
+    table = sql::buildTableInfo(*catalogue, *catalogue, parser.result, scoping);
   } catch (const sql::SqlError& error) {
-    std::cout << errorLine(error) << '\n';
+    std::cout << faultMessage(error, catalogue.get()) << " [" << faultClassName(error) << "]\n";
     return exitFailure;
   }
 
@@ -69,7 +77,7 @@ int runColumns(const std::vector<std::string>& args) {
       if (!names.empty()) names += '|';
       appendUtf8(name, names);
     }
-    rows.push_back({names.empty() ? "-" : names, typeText(column.type()), orDash(column.originalTable()),
+    rows.push_back({names.empty() ? "-" : names, catalogue->typeName(column.type()), orDash(column.originalTable()),
                     orDash(column.originalName())});
   }
   std::array<std::size_t, 4> widths{};

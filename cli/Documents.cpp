@@ -8,6 +8,7 @@
 #include "Input.h"
 #include "Sarif.h"
 
+#include <velmor/sql/host/Messages.h>
 #include <velmor/sql/host/TypeNames.h>
 #include <velmor/sql/host/Utf8.h>
 #include <velmor/sql/host/document/DocumentCheck.h>
@@ -56,6 +57,7 @@ struct Options {
   bool inPlace = false;
   bool verify = false;
   sql::host::SplitOptions split;
+  sql::Scoping scoping = sql::Scoping::Standard;
   std::shared_ptr<const Catalogue> catalogue;
   std::shared_ptr<const sql::StringBuildContext> context;
 };
@@ -76,7 +78,8 @@ class NoParseContext : public sql::ParseContext {};
 // What a thread keeps from one statement to the next: its parser and its checker.
 struct Worker {
   explicit Worker(const Options& options) {
-    if (options.catalogue) checker = std::make_unique<DocumentChecker>(*options.catalogue, *options.catalogue);
+    if (options.catalogue)
+      checker = std::make_unique<DocumentChecker>(*options.catalogue, *options.catalogue, options.scoping);
   }
   std::unique_ptr<DocumentChecker> checker;
   NoParseContext parseContext;
@@ -170,7 +173,9 @@ bool reportSkipped(const Options& options, const std::string& file, const Docume
   return clean || !options.strict;
 }
 
+// The fault in words; its fields where a check gave no words.
 std::string faultMessage(const sql::host::PlacedFault& placed) {
+  if (!placed.message.empty()) return placed.message;
   std::string message;
   for (const sql::host::FaultField& field : sql::host::faultFields(*placed.fault)) {
     if (!message.empty()) message += ' ';
@@ -199,6 +204,7 @@ nlohmann::json faultJson(const sql::host::PlacedFault& placed) {
           {"type", static_cast<int>(placed.fault->type())},
           {"fields", fields},
           {"text", sql::host::errorLine(*placed.fault)},
+          {"message", faultMessage(placed)},
           {"range", placed.range ? rangeJson(*placed.range) : nlohmann::json(nullptr)}};
 }
 
@@ -322,17 +328,23 @@ Rendered renderColumns(const Options& options, const std::string& file, const Do
     rendered.outcome = Outcome::Syntax;
     return rendered;
   }
-  if (!sql::ast::nodeIs<sql::ast::QuerySpecification>(parser.result)) {
+  const sql::ast::Node& tree = parser.result;
+  const bool query = sql::ast::nodeIs<sql::ast::QuerySpecification>(tree) ||
+                     (options.scoping == sql::Scoping::Standard &&
+                      (sql::ast::nodeIs<sql::ast::QueryOperation>(tree) ||
+                       sql::ast::nodeIs<sql::ast::RowValueExpressionList>(tree) ||
+                       sql::ast::nodeIs<sql::ast::ExplicitTable>(tree)));
+  if (!query) {
     rendered.outcome = Outcome::Other;
     return rendered;
   }
   std::shared_ptr<sql::TableInfo> table;
   try {
-    table = sql::buildTableInfo(*options.catalogue, *options.catalogue,
-                                sql::ast::getNodeValue<sql::ast::QuerySpecification>(parser.result), nullptr);
+    table = sql::buildTableInfo(*options.catalogue, *options.catalogue, tree, options.scoping);
   } catch (const sql::SqlError& error) {
-    diagnose(options, file, statement, statementRange(statement), "error", sql::host::errorLine(error),
-             sql::host::faultClassName(error), rendered, rendered.err);
+    diagnose(options, file, statement, statementRange(statement), "error",
+             sql::host::faultMessage(error, options.catalogue.get()), sql::host::faultClassName(error), rendered,
+             rendered.err);
     rendered.outcome = Outcome::Faults;
     return rendered;
   }
@@ -612,7 +624,7 @@ std::optional<int> runDocuments(DocumentCommand command, const std::vector<std::
     const std::string& arg = args[i];
     if (arg.empty() || arg[0] != '-' || arg == "--" || arg == "-") break;
     named = isFileOption(arg);
-    if (arg == "--catalog" || arg == "--jobs" || arg == "-j" || arg == "--from") ++i;
+    if (arg == "--catalog" || arg == "--jobs" || arg == "-j" || arg == "--from" || arg == "--scoping") ++i;
   }
   if (!named) return std::nullopt;
 
@@ -666,6 +678,7 @@ std::optional<int> runDocuments(DocumentCommand command, const std::vector<std::
       options.output = Output::Sarif;
     }
   }
+  if (command != DocumentCommand::Format && !takeScoping(name, rest, options.scoping)) return exitUsage;
   options.strict = takeFlag(rest, "--strict");
   if (takeFlag(rest, "--caret")) options.caret = true;
   if (takeFlag(rest, "--no-comments")) options.split.comments = false;

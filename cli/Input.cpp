@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <iterator>
 
 namespace velmor::cli {
 
@@ -51,6 +52,36 @@ bool takeFlag(std::vector<std::string>& args, const char* flag) {
     }
   }
   return false;
+}
+
+bool takeScoping(const char* command, std::vector<std::string>& args, sql::Scoping& scoping) {
+  for (auto arg = args.begin(); arg != args.end() && arg->rfind("--", 0) == 0 && *arg != "--"; ++arg) {
+    std::string value;
+    auto last = arg;
+    if (*arg == "--scoping") {
+      if (std::next(arg) == args.end()) {
+        std::cerr << "velmor-sql " << command << ": --scoping needs a value: standard or compatible\n";
+        return false;
+      }
+      last = std::next(arg);
+      value = *last;
+    } else if (arg->rfind("--scoping=", 0) == 0) {
+      value = arg->substr(10);
+    } else {
+      continue;
+    }
+    if (value == "standard") {
+      scoping = sql::Scoping::Standard;
+    } else if (value == "compatible") {
+      scoping = sql::Scoping::Compatible;
+    } else {
+      std::cerr << "velmor-sql " << command << ": unknown scoping '" << value << "' (standard or compatible)\n";
+      return false;
+    }
+    args.erase(arg, std::next(last));
+    return true;
+  }
+  return true;
 }
 
 std::string shownBytes(const std::string& text, std::size_t offset, std::size_t length) {

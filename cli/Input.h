@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include <velmor/sql/scope/Scoping.h>
+
 namespace velmor::cli {
 
 /// The text of a subcommand's arguments: joined by single blanks; none, or a lone "-", reads
@@ -26,6 +28,11 @@ bool takeFlag(std::vector<std::string>& args, const char* flag);
 /// Bytes the scanner skipped, as the user typed them: well-formed UTF-8 as it is (a quote or
 /// backslash behind a backslash), anything else as \xHH, and a long run cut short with "...".
 std::string shownBytes(const std::string& text, std::size_t offset, std::size_t length);
+
+/// Takes "--scoping standard|compatible" (or "--scoping=...") from the options in front of the
+/// text into `scoping`, which keeps its value (the tool's default, standard) when the option is
+/// absent. False, with the reason on stderr, for another value or a missing one.
+bool takeScoping(const char* command, std::vector<std::string>& args, sql::Scoping& scoping);
 
 /// Tells on stderr what a parse of `text` ignores: bytes the scanner skipped ("warning: 1:8: '$'
 /// is not SQL and was skipped") and a NUL that ends the text early. With `strict` these are

@@ -6,6 +6,7 @@
 #include <velmor/sql/host/Utf8.h>
 
 #include <velmor/sql/ast/EnumNames.h>
+#include <velmor/sql/host/Messages.h>
 #include <velmor/sql/inference/TypeInferer.h>
 #include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/scope/Scope.h>
@@ -64,6 +65,8 @@ int runType(const std::vector<std::string>& args) {
     printCommandUsage("type", std::cerr);
     return exitUsage;
   }
+  sql::Scoping scoping = sql::Scoping::Standard;
+  if (!takeScoping("type", rest, scoping)) return exitUsage;
   if (auto status = handleOptions("type", rest)) return *status;
 
   NoParseContext parseContext;
@@ -89,9 +92,10 @@ int runType(const std::vector<std::string>& args) {
     }
     const sql::JoinScope scope(std::move(scopes));
     sql::TypeInferer inferer(*catalogue, scope);
-    std::cout << typeText(inferer.inferType(parser.result.toExpression())) << '\n';
+    inferer.setScoping(scoping, catalogue.get());
+    std::cout << catalogue->typeName(inferer.inferType(parser.result.toExpression())) << '\n';
   } catch (const sql::SqlError& error) {
-    std::cout << errorLine(error) << '\n';
+    std::cout << faultMessage(error, catalogue.get()) << " [" << faultClassName(error) << "]\n";
     return exitFailure;
   }
   std::cout.flush();

@@ -21,6 +21,7 @@
 #include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/scope/Scope.h>
 #include <velmor/sql/scope/ScopeBuilder.h>
+#include <velmor/sql/scope/Scoping.h>
 #include <velmor/sql/sqllexer/Tokens.h>
 #include <velmor/sql/types/Routine.h>
 #include <velmor/sql/types/Strings.h>

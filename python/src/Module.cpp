@@ -211,19 +211,28 @@ py::tuple faultData(const sql::SqlError& error) {
 
 // Validates a query or an UPDATE: each fault as its data and its range (a tuple of begin line,
 // begin column, end line, end column, begin byte, end byte) or None.
-py::object check(const std::string& text, const PyCatalogue& catalogue) {
+sql::Scoping scopingNamed(const std::string& scoping) {
+  if (scoping == "standard") return sql::Scoping::Standard;
+  if (scoping == "compatible") return sql::Scoping::Compatible;
+  throw py::value_error("scoping must be \"standard\" or \"compatible\"");
+}
+
+py::object check(const std::string& text, const PyCatalogue& catalogue, const std::string& scopingName) {
+  const sql::Scoping scoping = scopingNamed(scopingName);
   std::shared_ptr<const sql::SourceRanges> ranges;
   const sql::ast::Node tree = parseOrRaise(text, &ranges);
-  if (!host::isCheckable(tree)) {
+  if (!host::isCheckable(tree, scoping)) {
     const char* kind = sql::ast::recordName(tree);
     throw py::value_error(std::string("not checkable: ") + (kind ? kind : "nothing") +
-                          " (only a query specification or an UPDATE can be checked)");
+                          (scoping == sql::Scoping::Compatible
+                               ? " (with compatible scoping only a query specification or an UPDATE can be checked)"
+                               : ""));
   }
   std::vector<host::PlacedFault> faults;
   {
     py::gil_scoped_release free;
     std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
-    faults = host::checkStatement(tree, ranges.get(), *catalogue.catalogue, *catalogue.catalogue);
+    faults = host::checkStatement(tree, ranges.get(), *catalogue.catalogue, *catalogue.catalogue, scoping);
   }
   py::list result;
   for (const auto& fault : faults) {
@@ -232,7 +241,7 @@ py::object check(const std::string& text, const PyCatalogue& catalogue) {
       const sql::SourceRange& r = *fault.range;
       range = py::make_tuple(r.beginLine, r.beginColumn, r.endLine, r.endColumn, r.beginOffset, r.endOffset);
     }
-    result.append(py::make_tuple(faultData(*fault.fault), range));
+    result.append(py::make_tuple(faultData(*fault.fault), range, fault.message));
   }
   return result;
 }
@@ -260,7 +269,8 @@ py::list splitStatements(const std::string& text, bool comments, bool lines) {
 // None, record name of a statement that is not checked). An item is (text, source, line, column,
 // offset): its place in a document, (1, 1, 0) for a statement on its own.
 py::list checkBatch(const std::vector<std::tuple<std::string, std::string, std::size_t, std::size_t, std::size_t>>& items,
-                    const PyCatalogue& catalogue, unsigned jobs) {
+                    const PyCatalogue& catalogue, unsigned jobs, const std::string& scopingName) {
+  const sql::Scoping scoping = scopingNamed(scopingName);
   std::vector<host::DocumentStatement> statements(items.size());
   for (std::size_t i = 0; i < items.size(); ++i) {
     auto& [text, source, line, column, offset] = items[i];
@@ -276,7 +286,7 @@ py::list checkBatch(const std::vector<std::tuple<std::string, std::string, std::
     const unsigned threads = static_cast<unsigned>(std::max<std::size_t>(1, std::min<std::size_t>(jobs, items.size())));
     std::atomic<std::size_t> next{0};
     const auto work = [&] {
-      host::DocumentChecker checker(*catalogue.catalogue, *catalogue.catalogue);
+      host::DocumentChecker checker(*catalogue.catalogue, *catalogue.catalogue, scoping);
       for (std::size_t i; (i = next.fetch_add(1)) < statements.size();) checks[i] = checker.check(statements[i]);
     };
     std::vector<std::thread> pool;
@@ -294,7 +304,7 @@ py::list checkBatch(const std::vector<std::tuple<std::string, std::string, std::
         const sql::SourceRange& r = *fault.range;
         range = py::make_tuple(r.beginLine, r.beginColumn, r.endLine, r.endColumn, r.beginOffset, r.endOffset);
       }
-      faults.append(py::make_tuple(faultData(*fault.fault), range));
+      faults.append(py::make_tuple(faultData(*fault.fault), range, fault.message));
     }
     const bool syntax = check.outcome == host::StatementCheck::Outcome::SyntaxError;
     result.append(py::make_tuple(outcomes[static_cast<int>(check.outcome)], faults,
@@ -307,9 +317,14 @@ py::list checkBatch(const std::vector<std::tuple<std::string, std::string, std::
 
 // (name, type, original table, original name) for each result column; a fault is raised as
 // the data of one.
-py::object columns(const std::string& text, const PyCatalogue& catalogue) {
+py::object columns(const std::string& text, const PyCatalogue& catalogue, const std::string& scopingName) {
+  const sql::Scoping scoping = scopingNamed(scopingName);
   const sql::ast::Node tree = parseOrRaise(text);
-  if (!sql::ast::nodeIs<sql::ast::QuerySpecification>(tree)) {
+  const bool query = sql::ast::nodeIs<sql::ast::QuerySpecification>(tree) ||
+                     (scoping == sql::Scoping::Standard && (sql::ast::nodeIs<sql::ast::QueryOperation>(tree) ||
+                                                            sql::ast::nodeIs<sql::ast::RowValueExpressionList>(tree) ||
+                                                            sql::ast::nodeIs<sql::ast::ExplicitTable>(tree)));
+  if (!query) {
     const char* kind = sql::ast::recordName(tree);
     throw py::value_error(std::string("no result columns for ") + (kind ? kind : "nothing") +
                           " (only a query specification has them)");
@@ -320,8 +335,7 @@ py::object columns(const std::string& text, const PyCatalogue& catalogue) {
     py::gil_scoped_release free;
     std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
     try {
-      table = sql::buildTableInfo(*catalogue.catalogue, *catalogue.catalogue,
-                                  sql::ast::getNodeValue<sql::ast::QuerySpecification>(tree), nullptr);
+      table = sql::buildTableInfo(*catalogue.catalogue, *catalogue.catalogue, tree, scoping);
     } catch (const sql::SqlError& error) {
       fault.reset(error.clone());
     }
@@ -330,13 +344,15 @@ py::object columns(const std::string& text, const PyCatalogue& catalogue) {
   py::list result;
   for (std::size_t i = 0; i < table->columnCount(); ++i) {
     const sql::ColumnInfo column = table->columnByIndex(i);
-    result.append(py::make_tuple(host::toUtf8(column.canonicalName()), host::typeText(column.type()),
+    result.append(py::make_tuple(host::toUtf8(column.canonicalName()), catalogue.catalogue->typeName(column.type()),
                                  host::toUtf8(column.originalTable()), host::toUtf8(column.originalName())));
   }
   return result;
 }
 
-py::object typeOf(const std::string& text, const PyCatalogue& catalogue, const std::vector<std::string>& tables) {
+py::object typeOf(const std::string& text, const PyCatalogue& catalogue, const std::vector<std::string>& tables,
+                  const std::string& scopingName) {
+  const sql::Scoping scoping = scopingNamed(scopingName);
   const sql::ast::Node tree = parseOrRaise(text);
   if (!tree.isExpression()) {
     const char* kind = sql::ast::recordName(tree);
@@ -358,7 +374,8 @@ py::object typeOf(const std::string& text, const PyCatalogue& catalogue, const s
       }
       const sql::JoinScope scope(std::move(scopes));
       sql::TypeInferer inferer(*catalogue.catalogue, scope);
-      type = host::typeText(inferer.inferType(tree.toExpression()));
+      inferer.setScoping(scoping, catalogue.catalogue.get());
+      type = catalogue.catalogue->typeName(inferer.inferType(tree.toExpression()));
     } catch (const sql::SqlError& error) {
       fault.reset(error.clone());
     }
@@ -404,11 +421,13 @@ PYBIND11_MODULE(_core, m) {
           return writeWith(text, context, &from, &to);
         },
         py::arg("sql"), py::arg("old"), py::arg("new"), py::arg("context"));
-  m.def("check", &check, py::arg("sql"), py::arg("catalogue"));
+  m.def("check", &check, py::arg("sql"), py::arg("catalogue"), py::arg("scoping") = "standard");
+  m.def("columns", &columns, py::arg("sql"), py::arg("catalogue"), py::arg("scoping") = "standard");
+  m.def("type_of", &typeOf, py::arg("expression"), py::arg("catalogue"), py::arg("tables"),
+        py::arg("scoping") = "standard");
   m.def("split_statements", &splitStatements, py::arg("text"), py::arg("comments"), py::arg("lines"));
-  m.def("check_batch", &checkBatch, py::arg("items"), py::arg("catalogue"), py::arg("jobs"));
-  m.def("columns", &columns, py::arg("sql"), py::arg("catalogue"));
-  m.def("type_of", &typeOf, py::arg("expression"), py::arg("catalogue"), py::arg("tables"));
+  m.def("check_batch", &checkBatch, py::arg("items"), py::arg("catalogue"), py::arg("jobs"),
+        py::arg("scoping") = "standard");
 
   py::class_<PyCatalogue>(m, "Catalogue")
       .def(py::init<>())

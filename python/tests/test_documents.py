@@ -28,9 +28,12 @@ def test_split_statements_places_and_skips():
 def test_check_many_keeps_order_and_places(gis):
     statements = ["SELECT parcel_id FROM parcels", "SELECT nope FROM parcels", "SELECT FROM",
                   "INSERT INTO parcels VALUES (1)"] * 300
-    results = list(vs.check_many(iter(statements), gis, jobs=3, batch=7))
+    results = list(vs.check_many(iter(statements), gis, jobs=3, batch=7, scoping="compatible"))
     assert [r.outcome for r in results] == ["ok", "faults", "syntax error", "not checkable"] * 300
     assert results[1].faults[0].range.begin_column == 8
+    assert results[1].faults[0].message == 'unknown column "nope"'
+    standard = list(vs.check_many(["INSERT INTO parcels VALUES (1)"], gis))
+    assert standard[0].outcome == "faults" and standard[0].faults[0].class_name == "ColumnCountMismatch"
     assert results[2].syntax_place == vs.Place(1, 8, 7)
     assert results[3].kind == "InsertStatement"
     document = "SELECT parcel_id FROM parcels;\n  SELECT nope FROM parcels"

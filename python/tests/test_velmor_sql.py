@@ -44,7 +44,8 @@ def test_check_agrees_with_the_tool(case, gis):
 
     def line(fault):
         r = fault.range
-        return (f"{r.begin_line}:{r.begin_column}-{r.end_line}:{r.end_column} " if r else "") + str(fault)
+        return (f"{r.begin_line}:{r.begin_column}-{r.end_line}:{r.end_column} " if r else "") + \
+            f"{fault.message} [{fault.class_name}]"
 
     assert ([line(f) for f in faults] or ["ok"]) == case["out"]
 
@@ -84,8 +85,14 @@ def test_rename_and_tokens():
 
 
 def test_faults_have_their_fields_as_attributes(gis):
-    faults = vs.check("SELECT nosuch, area(parcel_id, 1) FROM parcels WHERE count(*) > 1", gis)
-    assert [f.class_name for f in faults] == ["UnknownColumnReference"]
+    text = "SELECT nosuch, area(parcel_id, 1) FROM parcels WHERE count(*) > 1"
+    assert [f.class_name for f in vs.check(text, gis, scoping="compatible")] == ["UnknownColumnReference"]
+    faults = vs.check(text, gis)
+    assert [f.class_name for f in faults] == ["UnknownColumnReference", "NoGoodFunctionCandidate",
+                                              "AggregateInWhereClause"]
+    assert faults[1].message == "no overload of area takes (Integer, Decimal(1,0))"
+    with pytest.raises(ValueError):
+        vs.check(text, gis, scoping="loose")
     fault = faults[0]
     assert (fault.number, fault.tableName, fault.columnName) == (7, "", "nosuch")
     call = vs.check("SELECT upper(1, 2) FROM parcels", gis)[0]

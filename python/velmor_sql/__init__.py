@@ -37,14 +37,17 @@ class Fault:
     """A semantic fault of a statement: its number (the library's error type), its class name,
     and its fields as attributes (``tableName``, ``columnName``, ``argumentTypes``, ...); texts
     are ``str``, counts ``int``, flags ``bool``, types as their readable names. ``range`` is
-    where in the statement the fault is (from ``check``), or None."""
+    where in the statement the fault is (from ``check``), or None; ``message`` is the fault in
+    words for a person, in the catalogue's type names, with a "did you mean" where one fits
+    (from ``check``; otherwise the data line)."""
 
     def __init__(self, number: int, class_name: str, fields: Sequence[tuple[str, Any]], line: str,
-                 range: SourceRange | None = None) -> None:
+                 range: SourceRange | None = None, message: str | None = None) -> None:
         self.number = number
         self.class_name = class_name
         self.fields = dict(fields)
         self.range = range
+        self.message = message if message else line
         self._line = line
         for name, value in fields:
             setattr(self, name, value)
@@ -196,11 +199,17 @@ def rename(sql: str, old: str, new: str, context: Catalogue | str | None = _STAN
     return _core.rename(sql, old, new, context)
 
 
-def check(sql: str, catalogue: Catalogue) -> list[Fault]:
-    """The faults of a query or an UPDATE against the catalogue, in the order found, each with
-    the range of the node it is about (None where no single node is meant); empty when it is
-    valid. Raises SqlSyntaxError, or ValueError for a statement that cannot be checked."""
-    return [Fault(*data, range=SourceRange(*where) if where else None) for data, where in _core.check(sql, catalogue)]
+def check(sql: str, catalogue: Catalogue, scoping: str = "standard") -> list[Fault]:
+    """The faults of a statement against the catalogue, each with the range of the node it is
+    about (None where no single node is meant) and its message; empty when it is valid.
+
+    ``scoping="standard"`` (the default here) checks any statement kind by standard SQL's rules,
+    every clause at every depth, and gives all faults in the order of the text;
+    ``"compatible"`` is the library's own default: a query or an UPDATE, and the first fault
+    that ends the check. Raises SqlSyntaxError, or ValueError for a statement that cannot be
+    checked or an unknown scoping."""
+    return [Fault(*data, range=SourceRange(*where) if where else None, message=message)
+            for data, where, message in _core.check(sql, catalogue, scoping)]
 
 
 def _or_fault(result: Any) -> Any:
@@ -209,17 +218,19 @@ def _or_fault(result: Any) -> Any:
     return result
 
 
-def columns(sql: str, catalogue: Catalogue) -> list[Column]:
-    """The result columns of a query. Raises SqlSyntaxError, SqlFault, or ValueError for a
-    statement that is no query."""
-    return [Column(*row) for row in _or_fault(_core.columns(sql, catalogue))]
+def columns(sql: str, catalogue: Catalogue, scoping: str = "standard") -> list[Column]:
+    """The result columns of a query (in standard scoping also of UNION, VALUES and TABLE), types
+    in the catalogue's own names. Raises SqlSyntaxError, SqlFault (the first fault), or
+    ValueError for a statement that is no query."""
+    return [Column(*row) for row in _or_fault(_core.columns(sql, catalogue, scoping))]
 
 
-def type_of(expression: str, catalogue: Catalogue, tables: Sequence[str] = ()) -> str:
+def type_of(expression: str, catalogue: Catalogue, tables: Sequence[str] = (), scoping: str = "standard") -> str:
     """The type of an expression whose columns come from ``tables`` (side by side, as in a FROM
-    list), as "Integer", "VarChar(50)", "Decimal(5,3)", "Tuple(...)". Raises SqlSyntaxError,
-    SqlFault, or ValueError for a text that is no expression."""
-    return _or_fault(_core.type_of(expression, catalogue, list(tables)))
+    list), as "Integer", "VarChar(50)", "Decimal(5,3)", "Geometry" (the catalogue's own names),
+    "Tuple(...)". In standard scoping a subquery has a scope of its own and one column counts as
+    its value. Raises SqlSyntaxError, SqlFault, or ValueError for a text that is no expression."""
+    return _or_fault(_core.type_of(expression, catalogue, list(tables), scoping))
 
 
 class Candidate(NamedTuple):
@@ -297,20 +308,23 @@ class CheckResult(NamedTuple):
 
 
 def check_many(statements: Iterable[str | Statement], catalogue: Catalogue, *, jobs: int | None = None,
-               batch: int = 512) -> Iterator[CheckResult]:
+               batch: int = 512, scoping: str = "standard") -> Iterator[CheckResult]:
     """Checks statements as they come from any iterable (a file's lines, ``split_statements``,
     a generator over a log), ``batch`` at a time on ``jobs`` threads (default: the machine's
     processors) with the GIL released; yields one result per statement, in their order. A
-    Statement's faults are placed in its document; a str's in itself."""
+    Statement's faults are placed in its document; a str's in itself. ``scoping`` as for
+    ``check``: with "compatible" only a query or an UPDATE is checked, other statements are "not
+    checkable"."""
     jobs = jobs if jobs is not None else (os.cpu_count() or 1)
     if jobs < 1 or batch < 1:
         raise ValueError("jobs and batch must be at least 1")
     pending: list[tuple[str, str, int, int, int]] = []
 
     def run() -> Iterator[CheckResult]:
-        for outcome, faults, message, place, kind in _core.check_batch(pending, catalogue, jobs):
+        for outcome, faults, message, place, kind in _core.check_batch(pending, catalogue, jobs, scoping):
             yield CheckResult(outcome,
-                              [Fault(*data, range=SourceRange(*where) if where else None) for data, where in faults],
+                              [Fault(*data, range=SourceRange(*where) if where else None, message=message)
+                               for data, where, message in faults],
                               message, Place(*place) if place else None, kind)
         pending.clear()
 

@@ -39,7 +39,10 @@ const char* SqlEvaluationError::what() const noexcept { return "Sql evaluation e
   X(InvalidContext)                                                                                \
   X(UnexpectedParseResult)                                                                         \
   X(SelectionTableIsAbsent)                                                                        \
-  X(AmbiguousTablesReference)
+  X(AmbiguousTablesReference)                                                                      \
+  X(SubqueryNotScalar)                                                                             \
+  X(UngroupedColumnReference)                                                                      \
+  X(ColumnCountMismatch)
 
 VELMOR_SQL_SEMANTIC_ERRORS(VELMOR_SQL_CLONE_AND_TYPE)
 #undef VELMOR_SQL_SEMANTIC_ERRORS
@@ -62,6 +65,14 @@ VELMOR_SQL_ONE_FIELD(OperatorNotSupported, OperationCode, operation)
 
 UnknownColumnReference::UnknownColumnReference(std::wstring table, std::wstring column)
     : tableName(std::move(table)), columnName(std::move(column)) {}
+
+SubqueryNotScalar::SubqueryNotScalar(std::uint64_t count) : columnCount(count) {}
+
+UngroupedColumnReference::UngroupedColumnReference(std::wstring table, std::wstring column)
+    : tableName(std::move(table)), columnName(std::move(column)) {}
+
+ColumnCountMismatch::ColumnCountMismatch(std::uint64_t expected, std::uint64_t actual)
+    : expectedCount(expected), actualCount(actual) {}
 
 AmbiguousColumnReference::AmbiguousColumnReference(std::wstring table, std::wstring column)
     : tableName(std::move(table)), columnName(std::move(column)) {}

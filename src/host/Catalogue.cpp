@@ -219,6 +219,27 @@ void Catalogue::addTypeSet(const std::string& name, const std::vector<std::strin
 bool Catalogue::isTypeSet(std::string_view text) const { return m_typeSets.count(key(text)) != 0; }
 bool Catalogue::isTypeName(std::string_view text) const { return m_typeNames.count(key(text)) != 0; }
 
+std::string Catalogue::typeName(const std::shared_ptr<Type>& type) const {
+  if (!type) return typeText(type);
+  if (const auto* tuple = dynamic_cast<const TupleType*>(type.get())) {
+    std::string text = "Tuple(";
+    const char* separator = "";
+    for (const auto& field : tuple->types()) {
+      text.append(separator).append(typeName(field));
+      separator = ", ";
+    }
+    return text + ')';
+  }
+  if (const auto* array = dynamic_cast<const ArrayType*>(type.get())) return "Array(" + typeName(array->elementType()) + ')';
+  const std::string written = typeText(type);
+  for (const auto& [k, named] : m_typeNames) {
+    const std::string text = typeText(named);
+    const bool bare = text == plainTypeName(named->plainType());
+    if (text == written || (bare && named->plainType() == type->plainType())) return m_givenNames.at(k);
+  }
+  return written;
+}
+
 std::shared_ptr<Type> Catalogue::typeOf(std::string_view written) const {
   const std::string text = trimmed(written);
   const std::string quotedText = "bad type \"" + std::string(written) + "\": ";

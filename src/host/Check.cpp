@@ -2,8 +2,12 @@
 #include <velmor/sql/host/Check.h>
 
 #include <velmor/sql/ast/Traversal.h>
+#include <velmor/sql/host/Catalogue.h>
+#include <velmor/sql/host/Messages.h>
 #include <velmor/sql/validation/Validator.h>
 
+#include <algorithm>
+#include <limits>
 #include <stdexcept>
 
 namespace velmor::sql::host {
@@ -26,19 +30,48 @@ bool isCheckable(const ast::Node& statement) {
   return ast::nodeIs<ast::QuerySpecification>(statement) || ast::nodeIs<ast::UpdateStatement>(statement);
 }
 
+bool isCheckable(const ast::Node& statement, Scoping scoping) {
+  if (scoping == Scoping::Compatible) return isCheckable(statement);
+  return ast::nodeIs<ast::QuerySpecification>(statement) || ast::nodeIs<ast::UpdateStatement>(statement) ||
+         ast::nodeIs<ast::QueryOperation>(statement) || ast::nodeIs<ast::RowValueExpressionList>(statement) ||
+         ast::nodeIs<ast::ExplicitTable>(statement) || ast::nodeIs<ast::InsertStatement>(statement) ||
+         ast::nodeIs<ast::DeleteStatement>(statement);
+}
+
 std::vector<PlacedFault> checkStatement(const ast::Node& statement, const SourceRanges* ranges,
                                         const GlobalTypeContext& globalContext, const TableInfoContext& tableContext) {
-  if (!isCheckable(statement))
-    throw std::invalid_argument("only a query specification or an UPDATE can be checked");
-  Validator validator(globalContext, tableContext);
-  FaultPlaces places;
-  if (ast::nodeIs<ast::QuerySpecification>(statement)) {
-    validator.validate(ast::getNodeValue<ast::QuerySpecification>(statement));
-  } else {
-    validator.validate(ast::getNodeValue<ast::UpdateStatement>(statement));
+  return checkStatement(statement, ranges, globalContext, tableContext, Scoping::Compatible);
+}
+
+std::vector<PlacedFault> checkStatement(const ast::Node& statement, const SourceRanges* ranges,
+                                        const GlobalTypeContext& globalContext, const TableInfoContext& tableContext,
+                                        Scoping scoping) {
+  if (!isCheckable(statement, scoping)) {
+    throw std::invalid_argument(scoping == Scoping::Compatible
+                                    ? "only a query specification or an UPDATE can be checked"
+                                    : "only a query, VALUES, TABLE, INSERT, UPDATE or DELETE can be checked");
   }
-  static const SourceRanges none;
-  return placeFaults(validator.mErrors, places, ranges ? *ranges : none);
+  Validator validator(globalContext, tableContext);
+  validator.setScoping(scoping);
+  std::vector<PlacedFault> placed;
+  {
+    FaultPlaces places;
+    validator.validateStatement(statement);
+    static const SourceRanges none;
+    placed = placeFaults(validator.mErrors, places, ranges ? *ranges : none);
+  }
+  if (placed.empty()) return placed;
+  const auto* catalogue = dynamic_cast<const Catalogue*>(&globalContext);
+  const KnownNames names = knownNames(statement, catalogue);
+  for (PlacedFault& fault : placed) fault.message = faultMessage(*fault.fault, catalogue, &names);
+  if (scoping == Scoping::Standard) {
+    const auto begin = [](const PlacedFault& fault) {
+      return fault.range ? fault.range->beginOffset : std::numeric_limits<std::size_t>::max();
+    };
+    std::stable_sort(placed.begin(), placed.end(),
+                     [&](const PlacedFault& a, const PlacedFault& b) { return begin(a) < begin(b); });
+  }
+  return placed;
 }
 
 } // namespace velmor::sql::host

@@ -263,6 +263,14 @@ std::vector<FaultField> fieldsOf(const SqlError& error) {
     add("candidates", candidatesText(e->candidates));
   } else if (const auto* e = dynamic_cast<const OperatorNotSupported*>(&error)) {
     add("operation", operationName(e->operation));
+  } else if (const auto* e = dynamic_cast<const SubqueryNotScalar*>(&error)) {
+    number("columnCount", static_cast<std::int64_t>(e->columnCount));
+  } else if (const auto* e = dynamic_cast<const UngroupedColumnReference*>(&error)) {
+    name("tableName", e->tableName);
+    name("columnName", e->columnName);
+  } else if (const auto* e = dynamic_cast<const ColumnCountMismatch*>(&error)) {
+    number("expectedCount", static_cast<std::int64_t>(e->expectedCount));
+    number("actualCount", static_cast<std::int64_t>(e->actualCount));
   } else if (const auto* e = dynamic_cast<const UnknownLexeme*>(&error)) {
     name("lexeme", e->lexeme);
   } else if (const auto* e = dynamic_cast<const UnexpectedLexeme*>(&error)) {
@@ -313,6 +321,9 @@ const char* className(const SqlError& error) {
   case SqlErrorType::GeneralSyntaxError: return "GeneralSyntaxError";
   case SqlErrorType::AmbiguousTablesReference: return "AmbiguousTablesReference";
   case SqlErrorType::NotEnoughMemory: return "NotEnoughMemory";
+  case SqlErrorType::SubqueryNotScalar: return "SubqueryNotScalar";
+  case SqlErrorType::UngroupedColumnReference: return "UngroupedColumnReference";
+  case SqlErrorType::ColumnCountMismatch: return "ColumnCountMismatch";
   }
   return "SqlError";
 }

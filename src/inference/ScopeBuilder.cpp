@@ -5,6 +5,8 @@
 #include <velmor/sql/inference/TypeInferer.h>
 #include <velmor/sql/errors/SemanticErrors.h>
 
+#include "inference/ResultColumns.h"
+#include "inference/StandardAnalysis.h"
 #include "types/ColumnOrder.h"
 
 #include <cstdint>
@@ -134,36 +136,60 @@ std::shared_ptr<ColumnInfoScope> buildScope(const GlobalTypeContext& global, con
   return addExternalScope(std::make_shared<JoinScope>(std::move(scopes)), external);
 }
 
-std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const std::shared_ptr<ColumnInfoScope>& scope,
-                                          const std::vector<ast::Node>& selectList) {
+namespace detail {
+
+std::vector<ColumnInfo> nameResultColumns(std::vector<ColumnInfo> raw) {
   std::vector<ColumnInfo> columns;
+  columns.reserve(raw.size());
   std::set<ColumnInfo> seen;
   // The renamed candidates of a column depend only on its original table and name. A suffix
   // once found taken stays taken (the set only grows), so the search for the next repeat of
   // the same column starts where the last one stopped: n repeats cost n tries, not n^2 / 2.
   std::map<std::pair<std::wstring, std::wstring>, int> nextSuffix;
+  for (ColumnInfo& column : raw) {
+    if (!seen.insert(column).second) {
+      // A new name always grows from originalName, never from an alias: x, x1, x2.
+      int& k = nextSuffix.try_emplace({column.originalTable(), column.originalName()}, 1).first->second;
+      do {
+        column = column.rename(column.originalName() + std::to_wstring(k++));
+      } while (!seen.insert(column).second);
+    }
+    columns.push_back(std::move(column));
+  }
+  return columns;
+}
+
+} // namespace detail
+
+std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const std::shared_ptr<ColumnInfoScope>& scope,
+                                          const std::vector<ast::Node>& selectList) {
+  std::vector<ColumnInfo> raw;
   std::int32_t columnNumber = 1;
   for (const ast::Node& item : selectList) {
     ColumnInfoVisitor visitor(global, scope, &columnNumber);
     visitor.doVisit(item);
-    for (ColumnInfo& column : visitor.result()) {
-      if (!seen.insert(column).second) {
-        // A new name always grows from originalName, never from an alias: x, x1, x2.
-        int& k = nextSuffix.try_emplace({column.originalTable(), column.originalName()}, 1).first->second;
-        do {
-          column = column.rename(column.originalName() + std::to_wstring(k++));
-        } while (!seen.insert(column).second);
-      }
-      columns.push_back(std::move(column));
-    }
+    for (ColumnInfo& column : visitor.result()) raw.push_back(std::move(column));
   }
-  return std::make_shared<GenericTableInfo>(columns);
+  return std::make_shared<GenericTableInfo>(detail::nameResultColumns(std::move(raw)));
 }
 
 std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const TableInfoContext& tables,
                                           const ast::QuerySpecification& query,
                                           const std::shared_ptr<ColumnInfoScope>& external) {
   return buildTableInfo(global, buildScope(global, tables, query, external), query.selectList);
+}
+
+std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const TableInfoContext& tables,
+                                          const ast::Node& query, Scoping scoping,
+                                          const std::shared_ptr<ColumnInfoScope>& external) {
+  if (scoping == Scoping::Compatible) {
+    if (!ast::nodeIs<ast::QuerySpecification>(query)) return std::make_shared<GenericTableInfo>(std::vector<ColumnInfo>{});
+    return buildTableInfo(global, tables, ast::getNodeValue<ast::QuerySpecification>(query), external);
+  }
+  detail::StandardAnalysis analysis(global, tables, nullptr);
+  detail::LevelScope outside(nullptr);
+  outside.m_local = external;
+  return std::make_shared<GenericTableInfo>(analysis.checkQuery(query, external ? &outside : nullptr).columns);
 }
 
 } // namespace velmor::sql

@@ -5,6 +5,8 @@
 #include <velmor/sql/inference/StringTypeInferer.h>
 #include <velmor/sql/errors/SemanticErrors.h>
 
+#include "inference/StandardAnalysis.h"
+
 #include <cstddef>
 #include <utility>
 
@@ -12,8 +14,62 @@ namespace velmor::sql {
 
 using type::PlainType;
 
+namespace {
+
+bool isQuery(const ast::Node& node) {
+  return ast::nodeIs<ast::QuerySpecification>(node) || ast::nodeIs<ast::QueryOperation>(node);
+}
+
+// Where a query stands for its rows rather than for one value.
+bool takesRows(const ast::Operation& operation, std::size_t position) {
+  switch (operation.operation) {
+  case OperationCode::In:
+  case OperationCode::NotIn:
+    return position > 0;
+  case OperationCode::Exists:
+  case OperationCode::Unique:
+    return true;
+  default:
+    return operation.quantifier != ast::Quantifier::None && position > 0;
+  }
+}
+
+} // namespace
+
+QueryAnalysis::~QueryAnalysis() = default;
+
+const char* FaultReported::what() const noexcept { return "fault reported"; }
+
 TypeInferer::TypeInferer(const GlobalTypeContext& globalContext, const ScopeTypeContext& scopeContext)
     : mGlobalContext(globalContext), mScopeContext(scopeContext) {}
+
+void TypeInferer::setScoping(Scoping scoping, const TableInfoContext* tables) {
+  mOwnAnalysis.reset();
+  mAnalysis = nullptr;
+  if (scoping != Scoping::Standard) return;
+  VELMOR_SQL_ASSERT(tables != nullptr, "TypeInferer");
+  if (tables == nullptr) return;
+  mOwnAnalysis = std::make_shared<detail::StandardAnalysis>(mGlobalContext, *tables, nullptr);
+  mAnalysis = mOwnAnalysis.get();
+}
+
+void TypeInferer::setQueryAnalysis(QueryAnalysis* analysis) noexcept {
+  mOwnAnalysis.reset();
+  mAnalysis = analysis;
+}
+
+TypeInferer TypeInferer::part() const {
+  TypeInferer inferer(mGlobalContext, mScopeContext);
+  inferer.mAnalysis = mAnalysis;
+  return inferer;
+}
+
+std::shared_ptr<Type> TypeInferer::typeOfPart(const ast::Node& node) const {
+  if (mAnalysis && isQuery(node)) return scalarQueryType(node);
+  TypeInferer inferer = part();
+  inferer.doVisit(node);
+  return std::move(inferer).result();
+}
 
 // ---------------------------------------------------------------------------------------------
 // Visits.
@@ -27,7 +83,13 @@ void TypeInferer::visit(const ast::ContextuallyTypedValueSpecification&) {
   mResult = std::make_shared<Type>(PlainType::Contextual);
 }
 
-void TypeInferer::visit(const ast::DerivedColumn& record) { doVisit(record.expression); }
+void TypeInferer::visit(const ast::DerivedColumn& record) {
+  if (mAnalysis) {
+    mResult = typeOfPart(record.expression);
+    return;
+  }
+  doVisit(record.expression);
+}
 
 void TypeInferer::visit(const ast::Function& record) { mResult = functionType(record); }
 
@@ -52,7 +114,23 @@ void TypeInferer::visit(const ast::QualifiedAsterisk& record) {
   mResult = std::make_shared<TupleType>(std::move(types));
 }
 
-void TypeInferer::visit(const ast::QuerySpecification& record) { mResult = querySpecificationType(record); }
+void TypeInferer::visit(const ast::QuerySpecification& record) {
+  if (!mAnalysis) {
+    mResult = querySpecificationType(record);
+    return;
+  }
+  // Parts are typed through typeOfPart, which hands the tree's own node over; only a query
+  // visited directly by a caller comes here, and goes in a node of its own.
+  mResult = scalarQueryType(ast::makeNode(record));
+}
+
+void TypeInferer::visit(const ast::QueryOperation& record) {
+  if (!mAnalysis) {
+    faultAction();
+    return;
+  }
+  mResult = scalarQueryType(ast::makeNode(record));
+}
 
 void TypeInferer::visit(const ast::RowValueExpression& record) { mResult = rowValueType(record); }
 
@@ -74,6 +152,10 @@ void TypeInferer::faultAction() {
 std::shared_ptr<Type> TypeInferer::inferType(const ast::ExpressionNode& node) { return inferNodeType(node); }
 
 std::shared_ptr<Type> TypeInferer::inferNodeType(const ast::Node& node) {
+  if (mAnalysis && isQuery(node)) {
+    mResult = scalarQueryType(node);
+    return mResult;
+  }
   doVisit(node);
   return mResult;
 }
@@ -81,11 +163,32 @@ std::shared_ptr<Type> TypeInferer::inferNodeType(const ast::Node& node) {
 std::vector<std::shared_ptr<Type>> TypeInferer::inferTypes(const std::vector<ast::ExpressionNode>& nodes) const {
   std::vector<std::shared_ptr<Type>> types;
   types.reserve(nodes.size());
-  for (const ast::ExpressionNode& node : nodes) {
-    TypeInferer inferer(mGlobalContext, mScopeContext);
-    inferer.doVisit(node);
-    types.push_back(std::move(inferer).result());
+  if (!mAnalysis) {
+    for (const ast::ExpressionNode& node : nodes) {
+      TypeInferer inferer(mGlobalContext, mScopeContext);
+      inferer.doVisit(node);
+      types.push_back(std::move(inferer).result());
+    }
+    return types;
   }
+  if (!mAnalysis->gathersFaults()) {
+    for (const ast::ExpressionNode& node : nodes) types.push_back(typeOfPart(node));
+    return types;
+  }
+  // Each part is typed even after one has failed, so that all of its faults are found; the
+  // whole then has no type, and no fault of its own is looked for.
+  bool failed = false;
+  for (const ast::ExpressionNode& node : nodes) {
+    try {
+      types.push_back(typeOfPart(node));
+    } catch (const FaultReported&) {
+      failed = true;
+    } catch (const SqlError& fault) {
+      mAnalysis->reportFault(fault);
+      failed = true;
+    }
+  }
+  if (failed) throw FaultReported();
   return types;
 }
 
@@ -106,13 +209,14 @@ std::shared_ptr<Type> TypeInferer::operatorType(const ast::Operation& operation)
 }
 
 std::vector<std::shared_ptr<Type>> TypeInferer::operationTypes(const ast::Operation& operation) const {
+  if (mAnalysis) return standardOperationTypes(operation);
   if (operation.operation != OperationCode::Cast || operation.operands.size() != 2) {
     return inferTypes(operation.operands);
   }
   // The target of a CAST is a type name that the grammar read as an expression.
   std::vector<std::shared_ptr<Type>> types;
   types.reserve(2);
-  TypeInferer value(mGlobalContext, mScopeContext);
+  TypeInferer value = part();
   value.doVisit(operation.operands.front());
   types.push_back(std::move(value).result());
   StringTypeInferer target;
@@ -313,7 +417,7 @@ std::vector<std::shared_ptr<Type>> TypeInferer::convertTypes(const std::vector<s
 // Queries and rows.
 
 void TypeInferer::appendSelectItemTypes(const ast::Node& item, std::vector<std::shared_ptr<Type>>& out) const {
-  TypeInferer inferer(mGlobalContext, mScopeContext);
+  TypeInferer inferer = part();
   inferer.doVisit(item);
   std::shared_ptr<Type> type = std::move(inferer).result();
   // An asterisk or a row opens into its fields. An item without a type (a set operation as a
@@ -369,6 +473,80 @@ std::shared_ptr<Type> TypeInferer::rowsValueType(const ast::RowValueExpressionLi
   }
   if (fit) return std::make_shared<ArrayType>(rows.front());
   return std::make_shared<TupleType>(std::move(rows));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Standard scoping.
+
+
+std::shared_ptr<Type> TypeInferer::queryRowType(const ast::Node& query) const {
+  std::optional<std::vector<std::shared_ptr<Type>>> columns = mAnalysis->queryColumns(query, mScopeContext);
+  if (!columns) throw FaultReported();
+  if (columns->size() == 1) return std::move(columns->front());
+  return std::make_shared<TupleType>(std::move(*columns));
+}
+
+std::shared_ptr<Type> TypeInferer::scalarQueryType(const ast::Node& query) const {
+  std::shared_ptr<Type> row = queryRowType(query);
+  if (row && row->plainType() == PlainType::Tuple) {
+    SubqueryNotScalar fault(static_cast<const TupleType&>(*row).types().size());
+    if (!mAnalysis->gathersFaults()) throw fault;
+    mAnalysis->reportFaultAt(fault, query);
+    throw FaultReported();
+  }
+  return row;
+}
+
+std::vector<std::shared_ptr<Type>> TypeInferer::standardOperationTypes(const ast::Operation& operation) const {
+  const bool cast = operation.operation == OperationCode::Cast && operation.operands.size() == 2;
+  const std::size_t count = operation.operands.size();
+  std::vector<std::shared_ptr<Type>> types;
+  types.reserve(count);
+  const bool gather = mAnalysis->gathersFaults();
+  bool failed = false;
+  for (std::size_t i = 0; i < count; ++i) {
+    const ast::ExpressionNode& operand = operation.operands[i];
+    try {
+      if (cast && i == 1) {
+        // The target of a CAST is a type name that the grammar read as an expression.
+        StringTypeInferer target;
+        target.doVisit(operand);
+        types.push_back(std::move(target).result());
+      } else if (isQuery(operand) && takesRows(operation, i)) {
+        types.push_back(std::make_shared<ArrayType>(queryRowType(operand)));
+      } else {
+        types.push_back(typeOfPart(operand));
+      }
+    } catch (const FaultReported&) {
+      if (!gather) throw;
+      failed = true;
+    } catch (const SqlError& fault) {
+      if (!gather) throw;
+      mAnalysis->reportFault(fault);
+      failed = true;
+    }
+  }
+  if (failed) throw FaultReported();
+
+  // A value compared with the rows of a query must be comparable with the query's column: the
+  // host's IN takes any array, so equality decides, and the fault names IN with both types.
+  const bool in = operation.operation == OperationCode::In || operation.operation == OperationCode::NotIn;
+  if (in && count == 2 && isQuery(operation.operands[1]) && types[0] && types[1]) {
+    const std::shared_ptr<Type>& element = static_cast<const ArrayType&>(*types[1]).elementType();
+    const std::shared_ptr<OperatorInfo> equal = mGlobalContext.operatorInfo(OperationCode::Equal);
+    if (equal && element && element->plainType() != PlainType::Tuple) {
+      ast::Operation comparison(OperationCode::Equal, std::vector<ast::ExpressionNode>{});
+      TypeInferer probe = part();
+      try {
+        probe.findOperatorOverload(comparison, equal, {types[0], element});
+      } catch (const SqlSemanticError&) {
+        std::vector<std::shared_ptr<OperatorOverloadInfo>> candidates;
+        if (const auto info = mGlobalContext.operatorInfo(operation.operation)) candidates = info->overloads();
+        throw NoGoodOperatorOverload(operation.operation, {types[0], element}, std::move(candidates));
+      }
+    }
+  }
+  return types;
 }
 
 } // namespace velmor::sql

@@ -10,6 +10,8 @@
 #include <velmor/sql/validation/QualifierChecks.h>
 #include <velmor/sql/errors/SemanticErrors.h>
 
+#include "inference/StandardAnalysis.h"
+
 namespace velmor::sql {
 
 Validator::Validator(const GlobalTypeContext& globalContext, const TableInfoContext& tableContext,
@@ -20,7 +22,71 @@ void Validator::faultAction() {}
 
 void ValidatorVisitor::faultAction() {}
 
+namespace {
+
+// Standard scoping's faults go to the validator's list, each with its place noted.
+class ListSink final : public detail::FaultSink {
+public:
+  explicit ListSink(std::vector<std::shared_ptr<SqlError>>& list) : mList(list) {}
+  void caught(const SqlError& fault) override {
+    mList.push_back(std::shared_ptr<SqlError>(fault.clone()));
+    detail::noteCaughtFault(*mList.back());
+  }
+  void found(const SqlError& fault, const ast::Node* node) override {
+    mList.push_back(std::shared_ptr<SqlError>(fault.clone()));
+    if (node) detail::noteFaultAt(*mList.back(), *node);
+  }
+
+private:
+  std::vector<std::shared_ptr<SqlError>>& mList;
+};
+
+bool isStatement(const ast::Node& node) {
+  return ast::nodeIs<ast::QuerySpecification>(node) || ast::nodeIs<ast::UpdateStatement>(node) ||
+         ast::nodeIs<ast::QueryOperation>(node) || ast::nodeIs<ast::RowValueExpressionList>(node) ||
+         ast::nodeIs<ast::InsertStatement>(node) || ast::nodeIs<ast::DeleteStatement>(node) ||
+         ast::nodeIs<ast::ExplicitTable>(node);
+}
+
+} // namespace
+
+bool Validator::validateStatement(const ast::Node& statement) {
+  if (statement.isNull() || !isStatement(statement)) return false;
+  if (mScoping == Scoping::Compatible) {
+    if (ast::nodeIs<ast::QuerySpecification>(statement)) {
+      const std::size_t before = mErrors.size();
+      validate(ast::getNodeValue<ast::QuerySpecification>(statement));
+      return mErrors.size() == before;
+    }
+    if (ast::nodeIs<ast::UpdateStatement>(statement)) return validate(ast::getNodeValue<ast::UpdateStatement>(statement));
+  }
+  return validateStandard(statement);
+}
+
+bool Validator::validateStandard(const ast::Node& statement) {
+  const std::size_t before = mErrors.size();
+  ListSink sink(mErrors);
+  detail::StandardAnalysis analysis(mGlobalContext, mTableContext, &sink);
+  try {
+    analysis.checkStatement(statement, mExternalScope);
+    if (ast::nodeIs<ast::QuerySpecification>(statement) &&
+        ContextCheckVisitor(mGlobalContext).isContext(ast::getNodeValue<ast::QuerySpecification>(statement))) {
+      mErrors.push_back(std::make_shared<ContextQuery>());
+      detail::noteMarkedFault(*mErrors.back());
+    }
+  } catch (const FaultReported&) {
+    // Its fault is in the list.
+  } catch (const SqlError& error) {
+    sink.caught(error);
+  }
+  return mErrors.size() == before;
+}
+
 bool Validator::validate(const ast::QuerySpecification& query) {
+  if (mScoping == Scoping::Standard) {
+    validateStandard(ast::makeNode(query));
+    return mErrors.empty();
+  }
   try {
     // A query without FROM has an empty scope, which knows no column; the scopes below and
     // the result table take it as such.
@@ -68,6 +134,7 @@ bool Validator::validate(const ast::QuerySpecification& query) {
 }
 
 bool Validator::validate(const ast::UpdateStatement& update) {
+  if (mScoping == Scoping::Standard) return validateStandard(ast::makeNode(update));
   try {
     auto table = mTableContext.table(update.table);
     if (!table) {

@@ -28,17 +28,18 @@ def run(*args, stdin=""):
     return done.returncode, log
 
 
-# Faults, a syntax error and a statement that is not checked; then a clean document; then none.
+# Faults, with and without a range, and a syntax error; then a clean document; then none.
 status, log = run("-f", str(data / "documents" / "mixed.sql"))
 results = log["runs"][0]["results"]
 rules = [rule["id"] for rule in log["runs"][0]["tool"]["driver"]["rules"]]
 expected = [("UnknownColumnReference", 3, 8, 3, 12), ("UnknownColumnReference", 7, 1, 7, 31),
-            ("SyntaxError", 9, 8, 9, 8), ("UnknownColumnReference", 10, 38, 10, 43)]
+            ("ColumnCountMismatch", 8, 28, 8, 31), ("SyntaxError", 9, 8, 9, 8),
+            ("UnknownColumnReference", 10, 38, 10, 43)]
 got = [(r["ruleId"],) + tuple(r["locations"][0]["physicalLocation"]["region"][k]
                               for k in ("startLine", "startColumn", "endLine", "endColumn")) for r in results]
 if got != expected:
     failures.append(f"results {got}, expected {expected}")
-if rules != ["SyntaxError", "UnknownColumnReference"]:
+if rules != ["ColumnCountMismatch", "SyntaxError", "UnknownColumnReference"]:
     failures.append(f"rules {rules}")
 if status != 3:
     failures.append(f"status {status} with a syntax error")

@@ -1,6 +1,7 @@
 // Documents: statements split at ';' with their places (golden file host/documents.golden), and
 // the checks of a document's statements with places in the document (host/document-check.golden).
-// An input may start with options in brackets: "[lines]", "[no-comments]".
+// An input may start with options in brackets: "[lines]", "[no-comments]", and for checks
+// "[compatible]" (compatible scoping instead of standard).
 #include "support/Golden.h"
 
 #include <velmor/sql/host/CatalogueFile.h>
@@ -78,8 +79,10 @@ std::string split(const std::string& line) {
 std::string check(const std::string& line) {
   static const auto catalogue = host::gisSampleCatalogue();
   std::string input = line;
+  const bool compatible = input.rfind("[compatible] ", 0) == 0;
+  if (compatible) input.erase(0, 13);
   const host::SplitOptions options = optionsOf(input);
-  host::DocumentChecker checker(*catalogue, *catalogue);
+  host::DocumentChecker checker(*catalogue, *catalogue, compatible ? Scoping::Compatible : Scoping::Standard);
   std::string out;
   for (const auto& statement : host::splitStatements(input, options)) {
     if (!out.empty()) out += '\n';
@@ -97,7 +100,7 @@ std::string check(const std::string& line) {
       out += "\n  " + (fault.range ? rangeText(*fault.range) + " @" + std::to_string(fault.range->beginOffset) + '-' +
                                          std::to_string(fault.range->endOffset)
                                    : std::string("no range")) +
-             ' ' + host::faultClassName(*fault.fault);
+             ' ' + host::faultClassName(*fault.fault) + ": " + fault.message;
     }
   }
   return out.empty() ? "none" : out;

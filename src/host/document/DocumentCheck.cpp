@@ -6,8 +6,9 @@
 
 namespace velmor::sql::host {
 
-DocumentChecker::DocumentChecker(const GlobalTypeContext& globalContext, const TableInfoContext& tableContext)
-    : mGlobal(globalContext), mTables(tableContext), mParseContext(std::make_unique<ParseContext>()),
+DocumentChecker::DocumentChecker(const GlobalTypeContext& globalContext, const TableInfoContext& tableContext,
+                                 Scoping scoping)
+    : mGlobal(globalContext), mTables(tableContext), mScoping(scoping), mParseContext(std::make_unique<ParseContext>()),
       mParser(std::make_unique<SqlParser>(*mParseContext)) {
   mParser->keepSourceRanges = true;
 }
@@ -30,14 +31,14 @@ StatementCheck DocumentChecker::check(const DocumentStatement& statement) {
     parser.clear();
     return result;
   }
-  if (!isCheckable(parser.result)) {
+  if (!isCheckable(parser.result, mScoping)) {
     result.outcome = StatementCheck::Outcome::NotCheckable;
     const char* kind = ast::recordName(parser.result);
     result.kind = kind ? kind : "nothing";
     parser.clear();
     return result;
   }
-  result.faults = checkStatement(parser.result, parser.sourceRanges.get(), mGlobal, mTables);
+  result.faults = checkStatement(parser.result, parser.sourceRanges.get(), mGlobal, mTables, mScoping);
   for (PlacedFault& fault : result.faults) {
     if (fault.range) fault.range = documentRange(statement, *fault.range);
   }

@@ -283,6 +283,41 @@ public:
   OperationCode operation;
 };
 
+// Faults that only standard scoping raises (Validator with Scoping::Standard).
+
+/// A query with `columnCount` columns (not one) where a single value is needed: a comparison,
+/// arithmetic, a select item, a function argument, a SET value.
+class VELMOR_SQL_API SubqueryNotScalar : public SqlSemanticError {
+public:
+  explicit SubqueryNotScalar(std::uint64_t columnCount);
+  SqlError* clone() const override;
+  SqlErrorType type() const override;
+  std::uint64_t columnCount;
+};
+
+/// A column of the query's own FROM that is neither named in GROUP BY nor inside an aggregate,
+/// in a query that groups (a GROUP BY or an aggregate in its select list, HAVING or ORDER BY).
+class VELMOR_SQL_API UngroupedColumnReference : public SqlSemanticError {
+public:
+  UngroupedColumnReference(std::wstring tableName, std::wstring columnName);
+  SqlError* clone() const override;
+  SqlErrorType type() const override;
+  std::wstring tableName;
+  std::wstring columnName;
+};
+
+/// Two lists of columns that must match in number do not: the parts of a UNION, EXCEPT or
+/// INTERSECT (left, right), an INSERT's columns and its values or query (target, source), the
+/// rows of a VALUES list (first row, this row).
+class VELMOR_SQL_API ColumnCountMismatch : public SqlSemanticError {
+public:
+  ColumnCountMismatch(std::uint64_t expectedCount, std::uint64_t actualCount);
+  SqlError* clone() const override;
+  SqlErrorType type() const override;
+  std::uint64_t expectedCount;
+  std::uint64_t actualCount;
+};
+
 // The classes that carry nothing and have numbers of their own, none raised by the library.
 #define VELMOR_SQL_EMPTY_ERROR(Name)                                                               \
   class VELMOR_SQL_API Name : public SqlSemanticError {                                            \

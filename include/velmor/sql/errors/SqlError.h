@@ -45,6 +45,10 @@ enum class SqlErrorType : std::int32_t {
   GeneralSyntaxError = 31,
   AmbiguousTablesReference = 32,
   NotEnoughMemory = 33,
+  // Raised by standard scoping only.
+  SubqueryNotScalar = 34,
+  UngroupedColumnReference = 35,
+  ColumnCountMismatch = 36,
 };
 
 /// Base of every syntax and semantic fault. Thrown by value; Validator keeps clone()s.

@@ -142,6 +142,10 @@ public:
   /// Whether `text` names a type set, or a host type name.
   bool isTypeSet(std::string_view text) const;
   bool isTypeName(std::string_view text) const;
+  /// A type as people read it, in this catalogue's own words where one of its type names
+  /// stands for exactly it, or for its plain type without a length ("Geometry", not
+  /// "BinaryLargeObject"); otherwise as typeText writes it. "none" for an empty pointer.
+  std::string typeName(const std::shared_ptr<Type>& type) const;
 
   // ---- tables --------------------------------------------------------------------------------
   /// Adds a table of columns in words, its base table being itself. Throws CatalogueError for a

@@ -5,14 +5,47 @@
 #include <velmor/sql/Export.h>
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/ast/Traversal.h>
+#include <velmor/sql/errors/SqlError.h>
 #include <velmor/sql/scope/Scope.h>
+#include <velmor/sql/scope/Scoping.h>
 #include <velmor/sql/types/Routine.h>
 #include <velmor/sql/types/Type.h>
 
+#include <exception>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace velmor::sql {
+
+/// What a TypeInferer in standard scoping asks about the queries that stand in an expression,
+/// and where it sends the faults of the parts it goes on past. Validator implements it to check
+/// each such query fully; TypeInferer::setScoping makes one of its own. Called on the thread of
+/// the walk; borrowed by the inferer, it must outlive it.
+class VELMOR_SQL_API QueryAnalysis {
+public:
+  virtual ~QueryAnalysis();
+  /// The types of the columns that `query` (a query specification, a set operation) yields,
+  /// analysed in a scope of its own whose outer scope is `around`. None when they are not
+  /// known because a fault of the query was reported already. Throws faults otherwise.
+  virtual std::optional<std::vector<std::shared_ptr<Type>>> queryColumns(const ast::Node& query,
+                                                                        const ScopeTypeContext& around) = 0;
+  /// True when faults are gathered: an inferer then types each operand and argument apart,
+  /// hands a fault of one to reportFault and goes on with the next, and throws FaultReported
+  /// in place of the type it could not find.
+  virtual bool gathersFaults() const noexcept = 0;
+  /// Called from inside a handler of `fault`, which was thrown while typing one part.
+  virtual void reportFault(const SqlError& fault) = 0;
+  /// A fault about `node` that was found, not thrown.
+  virtual void reportFaultAt(const SqlError& fault, const ast::Node& node) = 0;
+};
+
+/// Thrown by a TypeInferer whose QueryAnalysis gathers faults, in place of a type that a fault
+/// already reported made unknowable. Not a SqlError: nothing is to be added for it.
+class VELMOR_SQL_API FaultReported : public std::exception {
+public:
+  const char* what() const noexcept override;
+};
 
 /// Types expressions. Borrows both contexts (they must outlive it) and belongs to one thread;
 /// two inferers may share contexts that are safe to read from several threads.
@@ -48,7 +81,11 @@ public:
   void visit(const ast::Operation& record) override;
   /// A TupleType of the columns the asterisk stands for (arity 0 for an unknown qualifier).
   void visit(const ast::QualifiedAsterisk& record) override;
+  /// Compatible: querySpecificationType. Standard: the query in a scope of its own; with one
+  /// column, that column's type (SubqueryNotScalar for more or none).
   void visit(const ast::QuerySpecification& record) override;
+  /// Compatible: no type (faultAction). Standard: as a query specification.
+  void visit(const ast::QueryOperation& record) override;
   void visit(const ast::RowValueExpression& record) override;
   void visit(const ast::RowValueExpressionList& record) override;
   void visit(const ast::String& record) override;
@@ -56,6 +93,15 @@ public:
   void visit(const ast::TernaryLogicNode& record) override;
   /// Silent: records a Fault type in mFaultType and leaves the result alone.
   void faultAction() override;
+
+  /// Standard scoping needs the host's tables for the FROM of the queries that stand in
+  /// expressions; `tables` is borrowed and must outlive the inferer. Compatible (the default)
+  /// needs none. Also resets any analysis set by setQueryAnalysis.
+  void setScoping(Scoping scoping, const TableInfoContext* tables = nullptr);
+  /// Standard scoping driven by `analysis` (borrowed; null returns to compatible).
+  void setQueryAnalysis(QueryAnalysis* analysis) noexcept;
+  /// Compatible unless setScoping or setQueryAnalysis asked for standard.
+  Scoping scoping() const noexcept { return mAnalysis ? Scoping::Standard : Scoping::Compatible; }
 
   /// Visits `node` and gives the result (see the class comment for kinds without a type).
   std::shared_ptr<Type> inferType(const ast::ExpressionNode& node);
@@ -147,6 +193,17 @@ protected:
   std::shared_ptr<Type> mFaultType;
 
 private:
+  // An inferer for one part, with this one's scoping.
+  TypeInferer part() const;
+  std::shared_ptr<Type> typeOfPart(const ast::Node& node) const;
+  // Standard scoping: the row type of a query in an expression (one column, or a TupleType).
+  std::shared_ptr<Type> queryRowType(const ast::Node& query) const;
+  std::shared_ptr<Type> scalarQueryType(const ast::Node& query) const;
+  std::vector<std::shared_ptr<Type>> standardOperationTypes(const ast::Operation& operation) const;
+
+  QueryAnalysis* mAnalysis = nullptr;
+  std::shared_ptr<QueryAnalysis> mOwnAnalysis;
+
   void appendSelectItemTypes(const ast::Node& item, std::vector<std::shared_ptr<Type>>& out) const;
   bool fitsWithConversion(const OverloadInfo& overload, const std::vector<type::PlainType>& plain) const;
 };

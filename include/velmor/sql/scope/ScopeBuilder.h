@@ -5,6 +5,7 @@
 #include <velmor/sql/Export.h>
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/scope/Scope.h>
+#include <velmor/sql/scope/Scoping.h>
 #include <velmor/sql/types/Routine.h>
 #include <velmor/sql/types/Table.h>
 
@@ -51,5 +52,14 @@ VELMOR_SQL_API std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext
                                                          const TableInfoContext& tables,
                                                          const ast::QuerySpecification& query,
                                                          const std::shared_ptr<ColumnInfoScope>& external);
+
+/// The result columns of `query`, any query expression (a query specification, a set
+/// operation with its left part's names, VALUES, TABLE t), with the query checked by `scoping`
+/// on the way: Compatible is buildTableInfo of a query specification (other kinds give an empty
+/// table); Standard types every clause at every depth in scopes of their own and throws the
+/// first fault found. `external` is an enclosing scope or null.
+VELMOR_SQL_API std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const TableInfoContext& tables,
+                                                         const ast::Node& query, Scoping scoping,
+                                                         const std::shared_ptr<ColumnInfoScope>& external = nullptr);
 
 } // namespace velmor::sql

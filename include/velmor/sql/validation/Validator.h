@@ -5,6 +5,7 @@
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/ast/Traversal.h>
 #include <velmor/sql/errors/SqlError.h>
+#include <velmor/sql/scope/Scoping.h>
 #include <velmor/sql/types/Routine.h>
 #include <velmor/sql/types/Table.h>
 #include <velmor/sql/validation/FaultPlaces.h>
@@ -42,6 +43,19 @@ public:
   Validator(const GlobalTypeContext& globalContext, TableInfoContext&& tableContext,
             const std::shared_ptr<ColumnInfoScope>& externalScope = nullptr) = delete;
 
+  /// How names are scoped in the runs from now on; Compatible unless set. Standard checks every
+  /// clause at every depth, gathers all faults of a statement in the order of its text (a fault
+  /// ends only the part it is in), and raises the classes numbered from 34 as well.
+  void setScoping(Scoping scoping) noexcept { mScoping = scoping; }
+  Scoping scoping() const noexcept { return mScoping; }
+
+  /// Checks a statement of any kind: a query specification or an UPDATE by the scoping in
+  /// force (as the two validate operations do); a set operation, a VALUES list, an INSERT or a
+  /// DELETE by standard rules in either mode, as the compatible rules have none for them. An
+  /// empty handle or a node of another kind is no statement: false, with nothing listed. True
+  /// when this run found nothing.
+  bool validateStatement(const ast::Node& statement);
+
   /// Checks a query. True when `mErrors` is empty afterwards, so a validator that already holds
   /// errors from an earlier run answers false even for a good query.
   bool validate(const ast::QuerySpecification& query);
@@ -60,9 +74,12 @@ public:
   std::vector<std::shared_ptr<SqlError>> mErrors;
 
 private:
+  bool validateStandard(const ast::Node& statement);
+
   const GlobalTypeContext& mGlobalContext;
   const TableInfoContext& mTableContext;
   std::shared_ptr<ColumnInfoScope> mExternalScope;
+  Scoping mScoping = Scoping::Compatible;
 };
 
 /// Base of the walkers that report faults of one kind over a whole tree: with a target list a

@@ -22,11 +22,11 @@ struct StatementCheck {
     Ok,           ///< parsed and checked, no fault
     Faults,       ///< parsed and checked, `faults` holds them
     SyntaxError,  ///< did not parse: `syntaxError` and `syntaxPlace`
-    NotCheckable, ///< parsed, but neither a query specification nor an UPDATE: `kind`
+    NotCheckable, ///< parsed, but not a statement the scoping mode checks: `kind`
   };
   Outcome outcome = Outcome::Ok;
-  /// The faults, each with its range moved to the document (offsets, lines and columns of the
-  /// document).
+  /// The faults with their messages, each with its range moved to the document (offsets, lines
+  /// and columns of the document).
   std::vector<PlacedFault> faults;
   /// The parser's message without its place, and the place in the document.
   std::string syntaxError;
@@ -40,18 +40,23 @@ struct StatementCheck {
 /// checkers, and must outlive this one.
 class VELMOR_SQL_HOST_API DocumentChecker {
 public:
-  DocumentChecker(const GlobalTypeContext& globalContext, const TableInfoContext& tableContext);
+  /// Checks in `scoping` mode: standard scoping checks every statement kind, compatible scoping
+  /// only a query specification or an UPDATE.
+  DocumentChecker(const GlobalTypeContext& globalContext, const TableInfoContext& tableContext,
+                  Scoping scoping = Scoping::Standard);
   ~DocumentChecker();
   DocumentChecker(const DocumentChecker&) = delete;
   DocumentChecker& operator=(const DocumentChecker&) = delete;
 
-  /// Parses `statement.text` and, when it is a query or an UPDATE, validates it. Throws only
-  /// what the parser and validator let through (std::bad_alloc).
+  /// Parses `statement.text` and, when the scoping mode checks such a statement, validates it:
+  /// the one place where a document's statement is checked. Throws only what the parser and
+  /// validator let through (std::bad_alloc).
   StatementCheck check(const DocumentStatement& statement);
 
 private:
   const GlobalTypeContext& mGlobal;
   const TableInfoContext& mTables;
+  Scoping mScoping;
   std::unique_ptr<ParseContext> mParseContext;
   std::unique_ptr<SqlParser> mParser;
 };

@@ -1,0 +1,14 @@
+// The naming of a result table's columns, shared by both scoping modes.
+#pragma once
+
+#include <velmor/sql/types/Table.h>
+
+#include <vector>
+
+namespace velmor::sql::detail {
+
+/// The columns of a select list in order, each repeat of an equal column renamed from its
+/// original name with the next free number (x, x1, x2).
+std::vector<ColumnInfo> nameResultColumns(std::vector<ColumnInfo> raw);
+
+} // namespace velmor::sql::detail

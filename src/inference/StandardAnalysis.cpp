@@ -1,0 +1,828 @@
+// Standard scoping: query levels, their scopes, and the checks of every clause.
+#include "inference/StandardAnalysis.h"
+
+#include <velmor/sql/ast/Traversal.h>
+#include <velmor/sql/errors/SemanticErrors.h>
+#include <velmor/sql/types/Strings.h>
+
+#include "common/DeepStack.h"
+#include "inference/ResultColumns.h"
+#include "types/ColumnOrder.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace velmor::sql::detail {
+
+using type::PlainType;
+
+namespace {
+
+bool isQuery(const ast::Node& node) {
+  return ast::nodeIs<ast::QuerySpecification>(node) || ast::nodeIs<ast::QueryOperation>(node);
+}
+
+// Walks the expressions of one query level, parent before children and in the order of the
+// text, without entering the queries nested in it. `visit` answers whether to go below a node.
+template <class Visit>
+void walkLevel(const ast::Node& root, Visit&& visit) {
+  std::vector<ast::Node> stack{root};
+  while (!stack.empty()) {
+    const ast::Node node = std::move(stack.back());
+    stack.pop_back();
+    if (node.isNull() || isQuery(node)) continue;
+    if (!visit(node)) continue;
+    std::vector<ast::Node> below = ast::children(node);
+    for (auto child = below.rbegin(); child != below.rend(); ++child) stack.push_back(std::move(*child));
+  }
+}
+
+// A scope that knows only what a TypeInferer may ask: a host's own ScopeTypeContext, taken as the
+// outer scope of a query that stands in an expression.
+class ForeignScope final : public ColumnInfoScope {
+public:
+  explicit ForeignScope(const ScopeTypeContext& scope) : m_scope(scope) {}
+  ColumnInfo columnInfo(const std::wstring& table, const std::wstring& column) const override {
+    std::shared_ptr<Type> type = m_scope.columnType(table, column);
+    return type ? ColumnInfo::calculatedColumn(column, std::move(type)) : ColumnInfo();
+  }
+
+protected:
+  AsteriskColumns columnsForAsterisk_impl(const std::wstring& table) const override {
+    return m_scope.columnsForAsterisk(table);
+  }
+  AsteriskColumns columnsForAsterisk_impl() const override { return m_scope.columnsForAsterisk({}); }
+
+private:
+  const ScopeTypeContext& m_scope;
+};
+
+// The two sides of a join whose USING or NATURAL columns count once: unqualified, such a column
+// is the left side's; `*` gives those columns first, then the rest of each side.
+class CoalescedScope final : public ColumnInfoScope {
+public:
+  CoalescedScope(std::shared_ptr<ColumnInfoScope> left, std::shared_ptr<ColumnInfoScope> right,
+                 std::vector<std::wstring> shared)
+      : m_join(std::make_shared<JoinScope>(std::vector<std::shared_ptr<ColumnInfoScope>>{left, right})),
+        m_left(std::move(left)), m_shared(std::move(shared)) {}
+
+  ColumnInfo columnInfo(const std::wstring& table, const std::wstring& column) const override {
+    if (table.empty() && isShared(column)) return m_left->columnInfo(table, column);
+    return m_join->columnInfo(table, column);
+  }
+  std::vector<ColumnInfo> columnsInfo(const std::wstring& table, const std::wstring& column) const override {
+    return m_join->columnsInfo(table, column);
+  }
+
+protected:
+  AsteriskColumns columnsForAsterisk_impl(const std::wstring& table) const override {
+    return m_join->columnsForAsterisk(table);
+  }
+  AsteriskColumns columnsForAsterisk_impl() const override {
+    const AsteriskColumns all = m_join->columnsForAsterisk({});
+    const AsteriskColumns left = m_left->columnsForAsterisk({});
+    AsteriskColumns first;
+    AsteriskColumns rest;
+    for (const auto& pair : left) (isShared(pair.second) ? first : rest).push_back(pair);
+    for (std::size_t i = left.size(); i < all.size(); ++i) {
+      if (!isShared(all[i].second)) rest.push_back(all[i]);
+    }
+    first.insert(first.end(), rest.begin(), rest.end());
+    return first;
+  }
+
+private:
+  bool isShared(const std::wstring& column) const {
+    return std::find(m_shared.begin(), m_shared.end(), normalized(column)) != m_shared.end();
+  }
+
+  std::shared_ptr<JoinScope> m_join;
+  std::shared_ptr<ColumnInfoScope> m_left;
+  std::vector<std::wstring> m_shared; // normalized
+};
+
+// Whether two expressions of one level are the same: the same record with the same values,
+// column references by the column they resolve to. Iterative, as trees may be deep.
+class SameExpression {
+public:
+  explicit SameExpression(const LevelScope& level) : m_level(level) {}
+
+  bool operator()(const ast::Node& a, const ast::Node& b) const {
+    std::vector<std::pair<ast::Node, ast::Node>> work{{a, b}};
+    while (!work.empty()) {
+      auto [x, y] = std::move(work.back());
+      work.pop_back();
+      if (x.isNull() || y.isNull()) {
+        if (x.isNull() != y.isNull()) return false;
+        continue;
+      }
+      if (!sameRecord(x, y)) return false;
+      const std::vector<ast::Node> xs = ast::children(x);
+      const std::vector<ast::Node> ys = ast::children(y);
+      if (xs.size() != ys.size()) return false;
+      for (std::size_t i = 0; i < xs.size(); ++i) work.emplace_back(xs[i], ys[i]);
+    }
+    return true;
+  }
+
+private:
+  bool sameRecord(const ast::Node& x, const ast::Node& y) const {
+    if (ast::nodeIs<ast::ColumnReference>(x)) {
+      if (!ast::nodeIs<ast::ColumnReference>(y)) return false;
+      const auto& a = ast::getNodeValue<ast::ColumnReference>(x);
+      const auto& b = ast::getNodeValue<ast::ColumnReference>(y);
+      if (normalized(a.table) == normalized(b.table) && normalized(a.column) == normalized(b.column)) return true;
+      const ColumnInfo ca = resolve(a);
+      const ColumnInfo cb = resolve(b);
+      return !ca.isNull() && !cb.isNull() && !(ca < cb) && !(cb < ca);
+    }
+    if (ast::nodeIs<ast::Number>(x)) {
+      return ast::nodeIs<ast::Number>(y) && ast::getNodeValue<ast::Number>(x).text == ast::getNodeValue<ast::Number>(y).text;
+    }
+    if (ast::nodeIs<ast::String>(x)) {
+      return ast::nodeIs<ast::String>(y) &&
+             ast::getNodeValue<ast::String>(x).value.toString() == ast::getNodeValue<ast::String>(y).value.toString();
+    }
+    if (ast::nodeIs<ast::Function>(x)) {
+      if (!ast::nodeIs<ast::Function>(y)) return false;
+      const auto& a = ast::getNodeValue<ast::Function>(x);
+      const auto& b = ast::getNodeValue<ast::Function>(y);
+      return normalized(a.name) == normalized(b.name) && a.asterisk == b.asterisk && a.setQuantifier == b.setQuantifier;
+    }
+    if (ast::nodeIs<ast::Operation>(x)) {
+      if (!ast::nodeIs<ast::Operation>(y)) return false;
+      const auto& a = ast::getNodeValue<ast::Operation>(x);
+      const auto& b = ast::getNodeValue<ast::Operation>(y);
+      return a.operation == b.operation && a.quantifier == b.quantifier;
+    }
+    if (ast::nodeIs<ast::TernaryLogicNode>(x)) {
+      return ast::nodeIs<ast::TernaryLogicNode>(y) &&
+             ast::getNodeValue<ast::TernaryLogicNode>(x).value == ast::getNodeValue<ast::TernaryLogicNode>(y).value;
+    }
+    // Anything else (rows, lists, queries) is never taken for a grouped expression.
+    return false;
+  }
+
+  ColumnInfo resolve(const ast::ColumnReference& reference) const {
+    if (!m_level.m_local) return {};
+    try {
+      return m_level.m_local->columnInfo(reference.table, reference.column);
+    } catch (const SqlError&) {
+      return {};
+    }
+  }
+
+  const LevelScope& m_level;
+};
+
+enum class Family { Other, Binary, Character, Boolean, Numeric, Datetime };
+
+Family familyOf(PlainType type) {
+  switch (type) {
+  case PlainType::Binary:
+  case PlainType::VarBinary:
+  case PlainType::BinaryLargeObject:
+    return Family::Binary;
+  case PlainType::Char:
+  case PlainType::VarChar:
+  case PlainType::CharLargeObject:
+    return Family::Character;
+  case PlainType::Boolean:
+    return Family::Boolean;
+  case PlainType::SmallInt:
+  case PlainType::Integer:
+  case PlainType::BigInt:
+  case PlainType::Decimal:
+  case PlainType::Numeric:
+  case PlainType::Float:
+  case PlainType::Real:
+  case PlainType::Double:
+    return Family::Numeric;
+  case PlainType::Time:
+  case PlainType::Date:
+  case PlainType::Timestamp:
+    return Family::Datetime;
+  case PlainType::Contextual:
+  case PlainType::Fault:
+  case PlainType::Tuple:
+  case PlainType::Array:
+    return Family::Other;
+  }
+  return Family::Other;
+}
+
+bool isNullLiteral(const ast::Node& node) {
+  return ast::nodeIs<ast::TernaryLogicNode>(node) &&
+         ast::getNodeValue<ast::TernaryLogicNode>(node).value.value() == TernaryLogic::Unknown;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------------------------
+// Level scopes.
+
+bool LevelScope::knowsQualifier(const std::wstring& name) const {
+  return (m_local && !m_local->columnsForAsterisk(name).empty()) || failedName(name);
+}
+
+bool LevelScope::failedName(const std::wstring& name) const {
+  return !m_failed.empty() && std::find(m_failed.begin(), m_failed.end(), normalized(name)) != m_failed.end();
+}
+
+ColumnInfo LevelScope::columnInfo(const std::wstring& table, const std::wstring& column) const {
+  const bool plain = table.empty();
+  if (plain && m_outputUse == Output::First && m_output) {
+    ColumnInfo found = m_output->columnInfo(table, column);
+    if (!found.isNull()) return found;
+  }
+  // The nearest level that has the name wins; a qualifier is resolved where it stands first.
+  for (const LevelScope* level = this; level != nullptr; level = level->m_parent) {
+    if (level->m_local) {
+      ColumnInfo found = level->m_local->columnInfo(table, column);
+      if (!found.isNull()) return found;
+    }
+    if (!plain && level->knowsQualifier(table)) {
+      if (level->failedName(table)) throw FaultReported();
+      return {};
+    }
+  }
+  if (plain && m_outputUse == Output::Last && m_output) {
+    ColumnInfo found = m_output->columnInfo(table, column);
+    if (!found.isNull()) return found;
+  }
+  if (!plain) throw UnknownTableReference(table);
+  // A column of a table that could not be read is no fault of its own.
+  for (const LevelScope* level = this; level != nullptr; level = level->m_parent) {
+    if (level->m_incomplete) throw FaultReported();
+  }
+  return {};
+}
+
+std::vector<ColumnInfo> LevelScope::columnsInfo(const std::wstring& table, const std::wstring& column) const {
+  ColumnInfo found = columnInfo(table, column);
+  if (found.isNull()) return {};
+  return {std::move(found)};
+}
+
+AsteriskColumns LevelScope::columnsForAsterisk_impl(const std::wstring& table) const {
+  for (const LevelScope* level = this; level != nullptr; level = level->m_parent) {
+    if (!level->m_local) continue;
+    AsteriskColumns columns = level->m_local->columnsForAsterisk(table);
+    if (!columns.empty()) return columns;
+  }
+  return {};
+}
+
+AsteriskColumns LevelScope::columnsForAsterisk_impl() const {
+  // `*` never reaches out of its own query.
+  return m_local ? m_local->columnsForAsterisk({}) : AsteriskColumns{};
+}
+
+// ---------------------------------------------------------------------------------------------
+// The analysis.
+
+StandardAnalysis::StandardAnalysis(const GlobalTypeContext& global, const TableInfoContext& tables, FaultSink* sink)
+    : mGlobal(global), mTables(tables), mSink(sink) {}
+
+template <class Part>
+void StandardAnalysis::part(Part&& run) {
+  if (!mSink) {
+    run();
+    return;
+  }
+  try {
+    run();
+  } catch (const FaultReported&) {
+    // Its fault is in the list already.
+  } catch (const SqlError& error) {
+    mSink->caught(error);
+  }
+}
+
+template <class Fault>
+void StandardAnalysis::fault(const Fault& error, const ast::Node* node) {
+  if (!mSink) throw error;
+  mSink->found(error, node);
+}
+
+void StandardAnalysis::reportFault(const SqlError& error) {
+  if (mSink) mSink->caught(error);
+}
+
+void StandardAnalysis::reportFaultAt(const SqlError& error, const ast::Node& node) {
+  if (mSink) mSink->found(error, &node);
+}
+
+std::shared_ptr<Type> StandardAnalysis::typeIn(const LevelScope& level, const ast::Node& expression) {
+  TypeInferer inferer(mGlobal, level);
+  inferer.setQueryAnalysis(this);
+  return inferer.inferNodeType(expression);
+}
+
+bool StandardAnalysis::isAggregateCall(const ast::Node& node) const {
+  if (!ast::nodeIs<ast::Function>(node)) return false;
+  const auto info = mGlobal.function(ast::getNodeValue<ast::Function>(node).name);
+  return info && info->kind() == FunctionKind::Aggregate;
+}
+
+std::optional<std::vector<std::shared_ptr<Type>>> StandardAnalysis::queryColumns(const ast::Node& query,
+                                                                                 const ScopeTypeContext& around) {
+  Columns columns;
+  if (const auto* level = dynamic_cast<const LevelScope*>(&around)) {
+    columns = checkQuery(query, level);
+  } else {
+    // A host's own scope around the query: it becomes the query's one outer level.
+    LevelScope outer(nullptr);
+    if (const auto* scope = dynamic_cast<const ColumnInfoScope*>(&around)) {
+      outer.m_local = std::shared_ptr<ColumnInfoScope>(std::shared_ptr<void>(), const_cast<ColumnInfoScope*>(scope));
+    } else {
+      outer.m_local = std::make_shared<ForeignScope>(around);
+    }
+    columns = checkQuery(query, &outer);
+  }
+  if (!columns.complete) return std::nullopt;
+  std::vector<std::shared_ptr<Type>> types;
+  types.reserve(columns.columns.size());
+  for (const ColumnInfo& column : columns.columns) types.push_back(column.type());
+  return types;
+}
+
+void StandardAnalysis::checkStatement(const ast::Node& statement, const std::shared_ptr<ColumnInfoScope>& external) {
+  LevelScope outside(nullptr);
+  outside.m_local = external;
+  const LevelScope* outer = external ? &outside : nullptr;
+  if (ast::nodeIs<ast::UpdateStatement>(statement)) {
+    checkUpdate(ast::getNodeValue<ast::UpdateStatement>(statement), statement, outer);
+  } else if (ast::nodeIs<ast::InsertStatement>(statement)) {
+    checkInsert(ast::getNodeValue<ast::InsertStatement>(statement), statement, outer);
+  } else if (ast::nodeIs<ast::DeleteStatement>(statement)) {
+    checkDelete(ast::getNodeValue<ast::DeleteStatement>(statement), statement, outer);
+  } else {
+    checkQuery(statement, outer);
+  }
+}
+
+StandardAnalysis::Columns StandardAnalysis::checkQuery(const ast::Node& query, const LevelScope* outer) {
+  // Queries nest in FROM lists without a walk through Node::accept, so each level watches the
+  // stack itself.
+  return withStackResult<Columns>([&] { return checkQueryHere(query, outer); });
+}
+
+StandardAnalysis::Columns StandardAnalysis::checkQueryHere(const ast::Node& query, const LevelScope* outer) {
+  if (ast::nodeIs<ast::QuerySpecification>(query)) {
+    return checkSpecification(ast::getNodeValue<ast::QuerySpecification>(query), outer);
+  }
+  if (ast::nodeIs<ast::QueryOperation>(query)) {
+    return checkOperation(ast::getNodeValue<ast::QueryOperation>(query), query, outer);
+  }
+  if (ast::nodeIs<ast::RowValueExpressionList>(query)) {
+    return checkValues(ast::getNodeValue<ast::RowValueExpressionList>(query), outer);
+  }
+  if (ast::nodeIs<ast::ExplicitTable>(query)) {
+    return checkExplicitTable(ast::getNodeValue<ast::ExplicitTable>(query), query);
+  }
+  if (ast::nodeIs<ast::DerivedTable>(query)) {
+    return checkQuery(ast::getNodeValue<ast::DerivedTable>(query).query, outer);
+  }
+  return {};
+}
+
+// ---------------------------------------------------------------------------------------------
+// FROM.
+
+std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node& reference, LevelScope& level,
+                                                                  std::vector<TableName>& names) {
+  if (ast::nodeIs<ast::TablePrimary>(reference)) {
+    const auto& primary = ast::getNodeValue<ast::TablePrimary>(reference);
+    const std::wstring& name = primary.alias.empty() ? primary.table : primary.alias;
+    names.push_back({normalized(name), name, reference});
+    std::shared_ptr<TableInfo> info = mTables.table(primary.table);
+    if (!info) {
+      fault(NonExistentTable(primary.table), &reference);
+      level.m_incomplete = true;
+      level.m_failed.push_back(normalized(name));
+      return nullptr;
+    }
+    return std::make_shared<TableInfoScope>(ast::TablePrimary{name, {}}, std::move(info));
+  }
+  if (ast::nodeIs<ast::DerivedTable>(reference)) {
+    const auto& derived = ast::getNodeValue<ast::DerivedTable>(reference);
+    names.push_back({normalized(derived.alias), derived.alias, reference});
+    // A derived table sees the levels around its query, not the tables beside it.
+    Columns columns = checkQuery(derived.query, level.m_parent);
+    if (!columns.complete) {
+      level.m_incomplete = true;
+      level.m_failed.push_back(normalized(derived.alias));
+    }
+    return std::make_shared<TableInfoScope>(ast::TablePrimary{derived.alias, {}},
+                                            std::make_shared<GenericTableInfo>(columns.columns));
+  }
+  if (ast::nodeIs<ast::JoinNode>(reference)) {
+    const auto& join = ast::getNodeValue<ast::JoinNode>(reference);
+    std::shared_ptr<ColumnInfoScope> left = fromReference(join.left, level, names);
+    std::shared_ptr<ColumnInfoScope> right = fromReference(join.right, level, names);
+    if (!left || !right) {
+      // An unknown side: its columns are unknown, and so is what the condition means.
+      return left ? left : right;
+    }
+    std::vector<std::wstring> shared;
+    if (ast::nodeIs<ast::NamedColumnsJoin>(join.specification)) {
+      for (const std::wstring& column : ast::getNodeValue<ast::NamedColumnsJoin>(join.specification).columns) {
+        part([&] {
+          if (left->columnInfo({}, column).isNull() || right->columnInfo({}, column).isNull()) {
+            fault(UnknownColumnReference({}, column), &join.specification);
+          }
+        });
+        shared.push_back(normalized(column));
+      }
+    } else if (join.specification.isNull() && join.type != ast::Join::Cross) {
+      // NATURAL: the columns of one name on both sides.
+      for (const AsteriskColumn& pair : left->columnsForAsterisk({})) {
+        if (!right->columnInfo({}, pair.second).isNull()) shared.push_back(normalized(pair.second));
+      }
+    }
+    std::shared_ptr<ColumnInfoScope> scope;
+    if (shared.empty()) {
+      scope = std::make_shared<JoinScope>(std::vector<std::shared_ptr<ColumnInfoScope>>{left, right});
+    } else {
+      scope = std::make_shared<CoalescedScope>(left, right, std::move(shared));
+    }
+    if (ast::nodeIs<ast::JoinCondition>(join.specification)) {
+      // ON sees the two sides of its join and the levels around the query.
+      LevelScope on(level.m_parent);
+      on.m_local = scope;
+      on.m_incomplete = level.m_incomplete;
+      on.m_failed = level.m_failed;
+      const ast::Node& condition = ast::getNodeValue<ast::JoinCondition>(join.specification).condition;
+      part([&] { typeIn(on, condition); });
+      checkAggregates(condition);
+    }
+    return scope;
+  }
+  // Anything else in a FROM (a bare query) is read as a derived table without a name.
+  Columns columns = checkQuery(reference, level.m_parent);
+  if (!columns.complete) level.m_incomplete = true;
+  return std::make_shared<TableInfoScope>(ast::TablePrimary{}, std::make_shared<GenericTableInfo>(columns.columns));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Queries.
+
+void StandardAnalysis::selectItem(const ast::Node& item, LevelScope& level, std::int32_t& counter, Columns& result) {
+  if (ast::nodeIs<ast::QualifiedAsterisk>(item)) {
+    const std::wstring& table = ast::getNodeValue<ast::QualifiedAsterisk>(item).table;
+    part([&] {
+      const AsteriskColumns pairs = level.columnsForAsterisk(table);
+      if (pairs.empty() && !table.empty()) {
+        bool failed = false;
+        for (const LevelScope* at = &level; at != nullptr; at = at->m_parent) failed = failed || at->failedName(table);
+        result.complete = false;
+        if (!failed) fault(UnknownTableReference(table), &item);
+        return;
+      }
+      if (table.empty() && level.m_incomplete) result.complete = false;
+      for (const AsteriskColumn& pair : pairs) {
+        ColumnInfo column = level.columnInfo(pair.first, pair.second);
+        if (!column.isNull()) result.columns.push_back(std::move(column));
+      }
+    });
+    return;
+  }
+  if (!ast::nodeIs<ast::DerivedColumn>(item)) return;
+  const auto& derived = ast::getNodeValue<ast::DerivedColumn>(item);
+  const bool reference = ast::nodeIs<ast::ColumnReference>(derived.expression);
+  std::wstring name = derived.alias;
+  // The counter moves for every unnamed calculated item, typed or not, so names stay stable.
+  if (name.empty() && !reference) name = L"column_" + std::to_wstring(counter++);
+  bool typed = false;
+  part([&] {
+    std::shared_ptr<Type> type = typeIn(level, derived.expression);
+    if (reference) {
+      const auto& column = ast::getNodeValue<ast::ColumnReference>(derived.expression);
+      ColumnInfo found = level.columnInfo(column.table, column.column);
+      if (!derived.alias.empty()) found = found.rename(derived.alias);
+      result.columns.push_back(std::move(found));
+    } else {
+      result.columns.push_back(ColumnInfo::calculatedColumn(name, std::move(type)));
+    }
+    typed = true;
+  });
+  if (!typed) result.complete = false;
+}
+
+StandardAnalysis::Columns StandardAnalysis::checkSpecification(const ast::QuerySpecification& query,
+                                                              const LevelScope* outer) {
+  LevelScope level(outer);
+
+  std::vector<TableName> names;
+  std::vector<std::shared_ptr<ColumnInfoScope>> scopes;
+  for (const ast::QueryExpressionNode& reference : query.from) {
+    if (auto scope = fromReference(reference, level, names)) scopes.push_back(std::move(scope));
+  }
+  if (scopes.size() == 1) {
+    level.m_local = std::move(scopes.front());
+  } else if (!scopes.empty()) {
+    level.m_local = std::make_shared<JoinScope>(std::move(scopes));
+  }
+  // One name stands for one table of a level; the same name at another level is no clash.
+  for (std::size_t i = 1; i < names.size(); ++i) {
+    if (names[i].key.empty()) continue;
+    for (std::size_t j = 0; j < i; ++j) {
+      if (names[j].key == names[i].key) {
+        fault(AmbiguousTablesReference(names[i].written), &names[i].node);
+        break;
+      }
+    }
+  }
+
+  Columns result;
+  std::int32_t counter = 1;
+  for (const ast::Node& item : query.selectList) selectItem(item, level, counter, result);
+  result.columns = nameResultColumns(std::move(result.columns));
+  level.m_output = std::make_shared<TableInfoScope>(ast::TablePrimary{}, std::make_shared<GenericTableInfo>(result.columns));
+
+  // WHERE, GROUP BY and HAVING see the output columns behind everything else, ORDER BY before.
+  level.m_outputUse = LevelScope::Output::Last;
+  if (!query.where.isNull()) {
+    part([&] { typeIn(level, query.where); });
+    checkAggregates(query.where);
+  }
+  for (const ast::ExpressionNode& key : query.groupBy) part([&] { typeIn(level, key); });
+  if (!query.having.isNull()) part([&] { typeIn(level, query.having); });
+  level.m_outputUse = LevelScope::Output::First;
+  for (const ast::SortSpecification& sort : query.orderBy) part([&] { typeIn(level, sort.key); });
+  level.m_outputUse = LevelScope::Output::None;
+
+  checkGrouping(query, level);
+  return result;
+}
+
+StandardAnalysis::Columns StandardAnalysis::checkOperation(const ast::QueryOperation& operation,
+                                                          const ast::Node& node, const LevelScope* outer) {
+  Columns left = checkQuery(operation.left, outer);
+  const Columns right = checkQuery(operation.right, outer);
+  if (left.complete && right.complete && left.columns.size() != right.columns.size()) {
+    fault(ColumnCountMismatch(left.columns.size(), right.columns.size()), &node);
+  }
+  left.complete = left.complete && right.complete;
+  return left;
+}
+
+StandardAnalysis::Columns StandardAnalysis::checkValues(const ast::RowValueExpressionList& list,
+                                                       const LevelScope* outer) {
+  LevelScope level(outer);
+  Columns result;
+  std::optional<std::size_t> width;
+  for (const ast::ExpressionNode& row : list.rows) {
+    bool typed = false;
+    std::vector<std::shared_ptr<Type>> fields;
+    part([&] {
+      std::shared_ptr<Type> type = typeIn(level, row);
+      if (type && type->plainType() == PlainType::Tuple) {
+        fields = static_cast<const TupleType&>(*type).types();
+      } else {
+        fields.push_back(std::move(type));
+      }
+      typed = true;
+    });
+    if (!typed) {
+      result.complete = false;
+      continue;
+    }
+    if (!width) {
+      width = fields.size();
+      for (std::size_t i = 0; i < fields.size(); ++i) {
+        result.columns.push_back(ColumnInfo::calculatedColumn(L"column_" + std::to_wstring(i + 1), fields[i]));
+      }
+    } else if (*width != fields.size()) {
+      fault(ColumnCountMismatch(*width, fields.size()), &row);
+    }
+  }
+  return result;
+}
+
+StandardAnalysis::Columns StandardAnalysis::checkExplicitTable(const ast::ExplicitTable& table, const ast::Node& node) {
+  Columns result;
+  std::shared_ptr<TableInfo> info = mTables.table(table.table);
+  if (!info) {
+    fault(NonExistentTable(table.table), &node);
+    result.complete = false;
+    return result;
+  }
+  const std::size_t count = info->columnCount();
+  for (std::size_t i = 0; i < count; ++i) result.columns.push_back(info->columnByIndex(i));
+  return result;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Aggregates and grouping.
+
+void StandardAnalysis::checkAggregates(const ast::Node& condition) {
+  walkLevel(condition, [&](const ast::Node& node) {
+    if (!isAggregateCall(node)) return true;
+    fault(AggregateInWhereClause(), &node);
+    return false;
+  });
+}
+
+void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const LevelScope& level) {
+  if (!level.m_local) return;
+  std::vector<ast::Node> checked;
+  for (const ast::Node& item : query.selectList) {
+    if (ast::nodeIs<ast::DerivedColumn>(item)) checked.push_back(ast::getNodeValue<ast::DerivedColumn>(item).expression);
+  }
+  if (!query.having.isNull()) checked.push_back(query.having);
+  const std::size_t orderFrom = checked.size();
+  for (const ast::SortSpecification& sort : query.orderBy) checked.push_back(sort.key);
+
+  bool grouped = !query.groupBy.empty();
+  for (std::size_t i = 0; i < checked.size() && !grouped; ++i) {
+    walkLevel(checked[i], [&](const ast::Node& node) {
+      if (isAggregateCall(node)) grouped = true;
+      return !grouped;
+    });
+  }
+  if (!grouped) return;
+
+  // The keys: each GROUP BY expression, and the select item that an ordinal or an output name
+  // in GROUP BY stands for.
+  std::vector<ast::Node> keys(query.groupBy.begin(), query.groupBy.end());
+  for (const ast::ExpressionNode& key : query.groupBy) {
+    if (ast::nodeIs<ast::Number>(key)) {
+      const auto& number = ast::getNodeValue<ast::Number>(key);
+      if (number.kind == ast::NumberKind::Integer) {
+        const std::uint64_t position = number.unsignedInteger();
+        if (position >= 1 && position <= query.selectList.size()) {
+          const ast::Node& item = query.selectList[position - 1];
+          if (ast::nodeIs<ast::DerivedColumn>(item)) keys.push_back(ast::getNodeValue<ast::DerivedColumn>(item).expression);
+        }
+      }
+    } else if (ast::nodeIs<ast::ColumnReference>(key)) {
+      const auto& reference = ast::getNodeValue<ast::ColumnReference>(key);
+      if (!reference.table.empty()) continue;
+      for (const ast::Node& item : query.selectList) {
+        if (!ast::nodeIs<ast::DerivedColumn>(item)) continue;
+        const auto& derived = ast::getNodeValue<ast::DerivedColumn>(item);
+        if (!derived.alias.empty() && normalized(derived.alias) == normalized(reference.column)) {
+          keys.push_back(derived.expression);
+        }
+      }
+    }
+  }
+
+  const SameExpression same(level);
+  for (std::size_t i = 0; i < checked.size(); ++i) {
+    const bool inOrderBy = i >= orderFrom;
+    walkLevel(checked[i], [&](const ast::Node& node) {
+      if (isAggregateCall(node)) return false;
+      for (const ast::Node& key : keys) {
+        if (same(node, key)) return false;
+      }
+      if (!ast::nodeIs<ast::ColumnReference>(node)) return true;
+      const auto& reference = ast::getNodeValue<ast::ColumnReference>(node);
+      try {
+        // An output name in ORDER BY is the output column; elsewhere the FROM's column wins.
+        if (inOrderBy && reference.table.empty() && !level.m_output->columnInfo({}, reference.column).isNull()) {
+          return false;
+        }
+        if (level.m_local->columnInfo(reference.table, reference.column).isNull()) return false;
+      } catch (const SqlError&) {
+        return false; // reported where it was typed
+      }
+      fault(UngroupedColumnReference(reference.table, reference.column), &node);
+      return false;
+    });
+  }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Data-change statements.
+
+bool StandardAnalysis::assignable(const std::shared_ptr<Type>& target, const std::shared_ptr<Type>& source,
+                                  const ast::Node* value) const {
+  if (!target || !source) return true;
+  const PlainType to = target->plainType();
+  const PlainType from = source->plainType();
+  if (to == from || from == PlainType::Contextual || to == PlainType::Contextual) return true;
+  // NULL reads as a Boolean, and a string literal as whatever its column takes.
+  if (value && (isNullLiteral(*value) || ast::nodeIs<ast::String>(*value))) return true;
+  if (mGlobal.canConvert(from, to)) return true;
+  // Assignment converts within a family (a decimal literal into an integer column), and any
+  // number, date or truth value into a character column.
+  const Family a = familyOf(from);
+  const Family b = familyOf(to);
+  if (a == b && a != Family::Other) return true;
+  return b == Family::Character && (a == Family::Numeric || a == Family::Datetime || a == Family::Boolean);
+}
+
+void StandardAnalysis::checkAssignment(const std::shared_ptr<Type>& target, const std::shared_ptr<Type>& source,
+                                       const ast::Node& value, const std::wstring& table, const std::wstring& column,
+                                       bool insert) {
+  if (assignable(target, source, &value)) return;
+  if (insert) {
+    fault(InsertSourceTypeMismatch({target}, {source}, table, column), &value);
+  } else {
+    fault(SetClauseTypeMismatch({target}, {source}, column), &value);
+  }
+}
+
+void StandardAnalysis::checkUpdate(const ast::UpdateStatement& update, const ast::Node& node,
+                                   const LevelScope* outer) {
+  std::shared_ptr<TableInfo> info = mTables.table(update.table);
+  if (!info) {
+    fault(UnknownTableReference(update.table), &node);
+    return;
+  }
+  LevelScope level(outer);
+  level.m_local = std::make_shared<TableInfoScope>(ast::TablePrimary{update.table, {}}, info);
+  if (!update.where.isNull()) {
+    part([&] { typeIn(level, update.where); });
+    checkAggregates(update.where);
+  }
+  for (const ast::SetClause& clause : update.clauses) {
+    const ColumnInfo column = level.m_local->columnInfo({}, clause.column);
+    if (column.isNull()) fault(UnknownColumnReference({}, clause.column), nullptr);
+    part([&] {
+      const std::shared_ptr<Type> type = typeIn(level, clause.value);
+      if (!column.isNull()) checkAssignment(column.type(), type, clause.value, update.table, clause.column, false);
+    });
+  }
+}
+
+void StandardAnalysis::checkInsert(const ast::InsertStatement& insert, const ast::Node& node,
+                                   const LevelScope* outer) {
+  std::shared_ptr<TableInfo> info = mTables.table(insert.table);
+  if (!info) {
+    fault(UnknownTableReference(insert.table), &node);
+    // The values are still checked by themselves.
+  }
+  // The target columns: those named, or all in table order; an unknown one is a null column.
+  std::vector<ColumnInfo> targets;
+  bool targetsKnown = static_cast<bool>(info);
+  if (info && insert.source.columns.empty()) {
+    const std::size_t count = info->columnCount();
+    for (std::size_t i = 0; i < count; ++i) targets.push_back(info->columnByIndex(i));
+  } else {
+    for (const std::wstring& name : insert.source.columns) {
+      ColumnInfo column = info ? info->columnByName(name) : ColumnInfo();
+      if (info && column.isNull()) fault(UnknownColumnReference(insert.table, name), &node);
+      targets.push_back(std::move(column));
+    }
+  }
+
+  const ast::Node& source = insert.source.source;
+  if (source.isNull()) return; // DEFAULT VALUES
+  LevelScope level(outer);
+  if (ast::nodeIs<ast::RowValueExpressionList>(source)) {
+    for (const ast::ExpressionNode& row : ast::getNodeValue<ast::RowValueExpressionList>(source).rows) {
+      std::vector<ast::ExpressionNode> values;
+      if (ast::nodeIs<ast::RowValueExpression>(row)) values = ast::getNodeValue<ast::RowValueExpression>(row).values;
+      else values.push_back(row);
+      if (targetsKnown && values.size() != targets.size()) {
+        fault(ColumnCountMismatch(targets.size(), values.size()), &row);
+      }
+      for (std::size_t i = 0; i < values.size(); ++i) {
+        part([&] {
+          const std::shared_ptr<Type> type = typeIn(level, values[i]);
+          if (targetsKnown && i < targets.size() && !targets[i].isNull()) {
+            checkAssignment(targets[i].type(), type, values[i], insert.table, targets[i].canonicalName(), true);
+          }
+        });
+      }
+    }
+    return;
+  }
+  const Columns columns = checkQuery(source, outer);
+  if (!columns.complete || !targetsKnown) return;
+  if (columns.columns.size() != targets.size()) {
+    fault(ColumnCountMismatch(targets.size(), columns.columns.size()), &source);
+    return;
+  }
+  for (std::size_t i = 0; i < targets.size(); ++i) {
+    if (targets[i].isNull()) continue;
+    // A query's column is no literal: only its type speaks.
+    if (!assignable(targets[i].type(), columns.columns[i].type(), nullptr)) {
+      fault(InsertSourceTypeMismatch({targets[i].type()}, {columns.columns[i].type()}, insert.table,
+                                     targets[i].canonicalName()),
+            &source);
+    }
+  }
+}
+
+void StandardAnalysis::checkDelete(const ast::DeleteStatement& statement, const ast::Node& node,
+                                   const LevelScope* outer) {
+  std::shared_ptr<TableInfo> info = mTables.table(statement.table);
+  if (!info) {
+    fault(UnknownTableReference(statement.table), &node);
+    return;
+  }
+  LevelScope level(outer);
+  level.m_local = std::make_shared<TableInfoScope>(ast::TablePrimary{statement.table, {}}, std::move(info));
+  if (!statement.where.isNull()) {
+    part([&] { typeIn(level, statement.where); });
+    checkAggregates(statement.where);
+  }
+}
+
+} // namespace velmor::sql::detail
