@@ -38,6 +38,35 @@ const std::vector<std::string>& selects() {
   return lines;
 }
 
+// Every statement of the corpus, of every kind, for the standard scoping's check.
+std::vector<std::string> loadAll() {
+  const char* path = std::getenv("VELMOR_BENCH_CORPUS");
+  std::ifstream in(path != nullptr ? path : VELMOR_BENCH_CORPUS);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);) {
+    if (!line.empty()) lines.push_back(std::move(line));
+  }
+  return lines;
+}
+
+const std::vector<std::string>& allStatements() {
+  static const std::vector<std::string> lines = loadAll();
+  return lines;
+}
+
+const std::vector<ast::Node>& allTrees() {
+  static const std::vector<ast::Node> trees = [] {
+    std::vector<ast::Node> result;
+    const ParseContext context;
+    SqlParser parser(context);
+    for (const auto& text : allStatements()) {
+      if (parser.parse(text)) result.push_back(parser.result);
+    }
+    return result;
+  }();
+  return trees;
+}
+
 // The queries a host validates: a QuerySpecification itself, or each one of a set operation.
 class QueryCollector : public ast::NodeVisitor {
 public:
@@ -110,8 +139,41 @@ void BM_ValidateSelects(benchmark::State& state) {
   state.counters["valid"] = static_cast<double>(good) / static_cast<double>(corpus.queries.size());
 }
 
+// Parse, then check in standard scoping, every statement of the corpus: the two figures of one
+// run give what a check costs against its parse.
+void BM_ParseAll(benchmark::State& state) {
+  const auto& lines = allStatements();
+  const ParseContext context;
+  SqlParser parser(context);
+  for (auto _ : state) {
+    for (const auto& line : lines) benchmark::DoNotOptimize(parser.parse(line));
+  }
+  state.counters["statements/s"] =
+      benchmark::Counter(static_cast<double>(lines.size()), benchmark::Counter::kIsIterationInvariantRate);
+}
+
+void BM_CheckAllStandard(benchmark::State& state) {
+  const auto& trees = allTrees();
+  const auto hostCatalogue = corpus::corpusCatalogue();
+  const host::Catalogue& catalogue = *hostCatalogue;
+  std::size_t good = 0;
+  for (auto _ : state) {
+    good = 0;
+    for (const auto& tree : trees) {
+      Validator validator(catalogue, catalogue, nullptr);
+      validator.setScoping(Scoping::Standard);
+      good += validator.validateStatement(tree) ? 1 : 0;
+    }
+  }
+  state.counters["statements/s"] =
+      benchmark::Counter(static_cast<double>(trees.size()), benchmark::Counter::kIsIterationInvariantRate);
+  state.counters["valid"] = static_cast<double>(good) / static_cast<double>(trees.size());
+}
+
 BENCHMARK(BM_ParseSelects)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ValidateSelects)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ParseAll)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CheckAllStandard)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -115,7 +115,8 @@ void addUnique(std::vector<std::wstring>& list, const std::wstring& name) {
 
 std::optional<std::wstring> closestName(const std::wstring& name, const std::vector<std::wstring>& candidates) {
   const std::wstring key = normalized(name);
-  if (key.empty()) return std::nullopt;
+  // One edit turns any short name into another: no guess below three letters.
+  if (key.size() < 3) return std::nullopt;
   const std::size_t limit = std::max<std::size_t>(1, key.size() / 3);
   std::optional<std::wstring> best;
   std::size_t bestDistance = limit + 1;

@@ -30,8 +30,8 @@ struct KnownNames {
 VELMOR_SQL_HOST_API KnownNames knownNames(const ast::Node& statement, const Catalogue* catalogue);
 
 /// The name of `candidates` closest to `name` (case ignored) within a few edits (a third of its
-/// length, at least one), the first of equally close ones; none when nothing is that close or
-/// `name` is itself a candidate.
+/// length, at least one), the first of equally close ones; none when nothing is that close, when
+/// `name` is itself a candidate, or when it is shorter than three letters.
 VELMOR_SQL_HOST_API std::optional<std::wstring> closestName(const std::wstring& name,
                                                             const std::vector<std::wstring>& candidates);
 
