@@ -88,9 +88,14 @@ struct Worker {
 
 // "12,345": counts in the summary are read by people.
 std::string grouped(std::size_t n) {
-  std::string digits = std::to_string(n);
-  for (std::size_t at = digits.size(); at > 3; at -= 3) digits.insert(at - 3, ",");
-  return digits;
+  const std::string digits = std::to_string(n);
+  std::string text;
+  text.reserve(digits.size() + digits.size() / 3);
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (i > 0 && (digits.size() - i) % 3 == 0) text.push_back(',');
+    text.push_back(digits[i]);
+  }
+  return text;
 }
 
 std::string counted(std::size_t n, const char* one, const char* many) {
@@ -165,7 +170,9 @@ bool reportSkipped(const Options& options, const std::string& file, const Docume
     clean = false;
     const DocumentPlace place = sql::host::documentPlace(statement, part.offset);
     const std::string message = part.kind == sql::SkippedText::Kind::Dropped
-                                    ? "'" + shownBytes(statement.text, part.offset, part.length) + "' is not SQL and was skipped"
+                                    ? std::string(1, '\'')
+                                          .append(shownBytes(statement.text, part.offset, part.length))
+                                          .append("' is not SQL and was skipped")
                                     : std::string("the statement ends at a NUL byte");
     diagnose(options, file, statement, pointRange(place), options.strict ? "error" : "warning", message,
              "SkippedText", rendered, text);

@@ -89,6 +89,28 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                           "a fault's place lies in the text");
     });
   }
+  // Standard scoping checks every statement kind: it ends, places faults in the text, and its
+  // result columns and subquery typing end too.
+  if (host::isCheckable(tree, Scoping::Standard)) {
+    guarded([&] {
+      for (const auto& placed :
+           host::checkStatement(tree, parser.sourceRanges.get(), *sample, *sample, Scoping::Standard)) {
+        VELMOR_FUZZ_CHECK(!placed.range || (placed.range->beginOffset < placed.range->endOffset &&
+                                            placed.range->endOffset <= size),
+                          "a standard fault's place lies in the text");
+        VELMOR_FUZZ_CHECK(!placed.message.empty(), "every fault has a message");
+      }
+    });
+    guarded([&] { (void)buildTableInfo(*sample, *sample, tree, Scoping::Standard); });
+  }
+  if (tree.isExpression()) {
+    const auto parcels = std::make_shared<TableInfoScope>(ast::TablePrimary{L"parcels", {}}, sample->table(L"parcels"));
+    guarded([&] {
+      TypeInferer inferer(*sample, *parcels);
+      inferer.setScoping(Scoping::Standard, sample.get());
+      (void)inferer.inferNodeType(tree);
+    });
+  }
   // Typing a whole expression without a scope: column references fail, the rest is typed.
   if (tree.isExpression()) {
     const ScopeTypeContext noColumns;

@@ -17,7 +17,7 @@ std::vector<PlacedFault> placeFaults(const std::vector<std::shared_ptr<SqlError>
   std::vector<PlacedFault> placed;
   placed.reserve(faults.size());
   for (const auto& fault : faults) {
-    PlacedFault entry{fault, std::nullopt};
+    PlacedFault entry{fault, std::nullopt, {}};
     if (fault) {
       if (const SourceRange* range = ranges.find(places.nodeOf(*fault))) entry.range = *range;
     }

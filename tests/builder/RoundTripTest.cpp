@@ -75,7 +75,9 @@ TEST(TreeShape, AssociativeGroupingFlattensOnlyChainsOfOneOperator) {
     ASSERT_TRUE(b.parse(std::string("SELECT x FROM t WHERE ") + pair.right)) << pair.right;
     EXPECT_EQ(!ast::firstDifference(a.result, b.result, ast::Grouping::Associative), pair.same)
         << pair.left << " / " << pair.right;
-    if (pair.same) EXPECT_FALSE(ast::sameTree(a.result, b.result)) << pair.left;
+    if (pair.same) {
+      EXPECT_FALSE(ast::sameTree(a.result, b.result)) << pair.left;
+    }
   }
 }
 

@@ -46,7 +46,8 @@ TEST(FormatInPlace, RewritesOnlyWhatKeepsItsMeaning) {
   for (const Case& c : cases) {
     const fs::path file = dir / "doc.sql";
     std::ofstream(file, std::ios::binary) << c.before;
-    const std::string command = "'" + tool().string() + "' format -i -f '" + file.string() + "' >/dev/null 2>&1";
+    std::string command(1, '\'');
+    command.append(tool().string()).append("' format -i -f '").append(file.string()).append("' >/dev/null 2>&1");
     const int raw = std::system(command.c_str());
     EXPECT_EQ(WEXITSTATUS(raw), c.status) << c.name;
     EXPECT_EQ(slurp(file), c.after ? c.after : c.before) << c.name;

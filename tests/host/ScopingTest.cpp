@@ -17,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <fstream>
 #include <string>
 
@@ -68,8 +69,8 @@ TEST(Scoping, CorpusSampleHasNoUnknownColumns) {
   // The corpus's wide table of numbers, which the GIS sample leaves out.
   std::vector<host::Column> wide;
   for (int i = 1; i <= 400; ++i) {
-    std::string name = std::to_string(i);
-    name = "f" + std::string(3 - name.size(), '0') + name;
+    char name[8];
+    std::snprintf(name, sizeof name, "f%03d", i);
     wide.push_back({host::fromUtf8(name), "Decimal(12,2)", {}});
   }
   catalogue->addTable(L"wide_rows", wide);
