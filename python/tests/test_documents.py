@@ -58,9 +58,9 @@ def test_catalogues_pickle(gis, tmp_path):
 def test_dask_example_on_two_worker_processes(gis, tmp_path):
     pytest.importorskip("dask.bag")
     distributed = pytest.importorskip("distributed")
-    spec = importlib.util.spec_from_file_location("check_log_dask", EXAMPLE)
-    example = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(example)
+    module_spec = importlib.util.spec_from_file_location("check_log_dask", EXAMPLE)
+    example = importlib.util.module_from_spec(module_spec)
+    module_spec.loader.exec_module(example)
     paths = []
     for part in range(4):
         path = tmp_path / f"part-{part}.sql"
