@@ -1,5 +1,5 @@
 // Editor services from the scopes of the statement at the cursor.
-#include <velmor/sql/host/Editing.h>
+#include <velmor/sql/host/editor/Editing.h>
 
 namespace velmor::sql::host {
 
