@@ -85,6 +85,7 @@ public:
           ++i;
           mended = true;
         }
+        if (!mended) mended = closeBefore(ids, i, fixes);
       }
       if (!mended) {
         for (; i < ids.size(); ++i) fixes.push_back({i, true, 0});
@@ -94,17 +95,7 @@ public:
     const std::size_t bound = 2 * mStack.size() + 64;
     for (std::size_t step = 0; !accepts(0); ++step) {
       if (step == bound) return std::nullopt;
-      std::uint32_t chosen = noId;
-      for (const std::uint32_t id : Tables::closers()) {
-        if (accepts(Tables::translate(id))) {
-          chosen = id;
-          break;
-        }
-      }
-      for (int symbol = 3; chosen == noId && symbol < Tables::tokenCount(); ++symbol) {
-        const std::uint32_t id = Tables::idOf(symbol);
-        if (id != noId && accepts(symbol)) chosen = id;
-      }
+      const std::uint32_t chosen = closer();
       if (chosen == noId) return std::nullopt;
       push(Tables::translate(chosen));
       fixes.push_back({ids.size(), false, chosen});
@@ -149,6 +140,40 @@ private:
   bool push(int symbol) {
     Plain stack(mStack);
     return shifts(stack, symbol);
+  }
+
+  // A few closing tokens (as at the end) put before token i, when after them it and the next
+  // one pass: an open CASE or parenthesis in front of the rest of the statement.
+  bool closeBefore(const std::vector<std::uint32_t>& ids, std::size_t i, std::vector<Fix>& fixes) {
+    constexpr std::size_t most = 6;
+    const std::vector<int> saved = mStack;
+    std::vector<std::uint32_t> put;
+    while (put.size() < most) {
+      const std::uint32_t id = closer();
+      if (id == noId || id == 0) break;
+      push(Tables::translate(id));
+      put.push_back(id);
+      if (passes(noId, ids, i)) {
+        for (const std::uint32_t each : put) fixes.push_back({i, false, each});
+        return true;
+      }
+    }
+    mStack = saved;
+    return false;
+  }
+
+  // The token that closing puts in next: the first of the closers that is accepted, else the
+  // first accepted terminal; the end of the text (0) when it is accepted, none when nothing is.
+  std::uint32_t closer() const {
+    if (accepts(0)) return 0;
+    for (const std::uint32_t id : Tables::closers()) {
+      if (accepts(Tables::translate(id))) return id;
+    }
+    for (int symbol = 3; symbol < Tables::tokenCount(); ++symbol) {
+      const std::uint32_t id = Tables::idOf(symbol);
+      if (id != noId && accepts(symbol)) return id;
+    }
+    return noId;
   }
 
   // Whether `id` (none: nothing) and then the next two tokens from `from` would be shifted.
