@@ -616,6 +616,9 @@ StandardAnalysis::Columns StandardAnalysis::checkSpecification(const ast::QueryS
 StandardAnalysis::Columns StandardAnalysis::checkOperation(const ast::QueryOperation& operation,
                                                           const ast::Node& node, const LevelScope* outer) {
   Columns left = checkQuery(operation.left, outer);
+  // The columns are the left side's: a watcher that spares what it does not ask about spares a
+  // right side that holds none of its nodes.
+  if (mObserver && !mObserver->wants(operation.right)) return left;
   const Columns right = checkQuery(operation.right, outer);
   if (left.complete && right.complete && left.columns.size() != right.columns.size()) {
     fault(ColumnCountMismatch(left.columns.size(), right.columns.size()), &node);
