@@ -752,6 +752,8 @@ void Server::cancel(const json& id) {
   if (id.is_string() || id.is_number_integer()) mState->cancelled.insert(id.dump());
 }
 
+void Server::forgetCancellations() { mState->cancelled.clear(); }
+
 void Server::runDue(Clock::time_point now) { mState->runDue(now); }
 
 std::optional<Clock::time_point> Server::nextDue() const { return mState->nextDue(); }

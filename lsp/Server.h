@@ -49,6 +49,8 @@ public:
   void handle(const nlohmann::json& message, Clock::time_point now);
   /// Marks a request as cancelled before it is handled: it is then answered RequestCancelled.
   void cancel(const nlohmann::json& id);
+  /// Drops the cancellations of requests that never came (their answers went out before).
+  void forgetCancellations();
   /// Publishes the diagnostics whose delay is over at `now`.
   void runDue(Clock::time_point now);
   /// When runDue has something to do next; none when nothing waits.

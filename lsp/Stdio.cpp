@@ -47,6 +47,8 @@ void Connection::process(Clock::time_point now) {
     }
     if (mServer.exited()) return;
   }
+  // Requests are answered in the batch that brings them; a later cancellation has nothing left.
+  mServer.forgetCancellations();
   mServer.runDue(now);
 }
 
