@@ -140,6 +140,16 @@ std::shared_ptr<const sql::host::Catalogue> Settings::catalogue(const std::strin
 }
 
 Effective Settings::resolve(const std::string& path) {
+  // Faults of files that are gone go with them; a file still named is read again below.
+  for (auto it = mFaults.begin(); it != mFaults.end();) {
+    if (stampOf(it->first)) {
+      ++it;
+      continue;
+    }
+    mConfigs.erase(it->first);
+    mCatalogues.erase(it->first);
+    it = mFaults.erase(it);
+  }
   SettingsLayer layer = mClient;
   if (!path.empty()) {
     std::error_code error;
