@@ -144,6 +144,7 @@ private:
   void didChange(const json& params, Clock::time_point now);
   void didClose(const json& params);
   void configurationChanged(Clock::time_point now);
+  void watchFiles();
 
   json completion(const json& params);
   json hover(const json& params);
@@ -179,6 +180,9 @@ private:
   Settings mSettings;
   Encoding mEncoding = Encoding::Utf16;
   bool mInitialized = false;
+  // The client can watch files for the server: configuration and catalogue files then reload
+  // as soon as they change, not at the next edit.
+  bool mCanWatch = false;
   // The faults of configuration and catalogue files as last published, by URI.
   std::map<std::string, std::string> mPublishedFileFaults;
 };
@@ -284,7 +288,8 @@ void ServerState::dispatchNotification(const std::string& method, const json& pa
     mLog.debug("before initialize, dropped " + method);
     return;
   }
-  if (method == "initialized" || method == "$/cancelRequest" || method == "$/setTrace") return;
+  if (method == "initialized") return watchFiles();
+  if (method == "$/cancelRequest" || method == "$/setTrace") return;
   if (method == "textDocument/didOpen") return didOpen(params, now);
   if (method == "textDocument/didChange") return didChange(params, now);
   if (method == "textDocument/didClose") return didClose(params);
@@ -309,6 +314,10 @@ json ServerState::initialize(const json& params) {
         const auto found = general->find("positionEncodings");
         if (found != general->end() && found->is_array()) encodings = &*found;
       }
+    }
+    if (capabilities != params.end() && capabilities->is_object()) {
+      const json::json_pointer watch("/workspace/didChangeWatchedFiles/dynamicRegistration");
+      mCanWatch = capabilities->contains(watch) && capabilities->at(watch) == true;
     }
     const auto root = params.find("rootUri");
     if (root != params.end() && root->is_string()) mSettings.setRoot(pathOfUri(root->get<std::string>()));
@@ -394,6 +403,19 @@ void ServerState::configurationChanged(Clock::time_point now) {
     document.analysesStale = true;
     document.due = now;
   }
+}
+
+void ServerState::watchFiles() {
+  if (!mCanWatch) return;
+  json watchers = json::array({{{"globPattern", std::string("**/") + configFileName}}, {{"globPattern", "**/*.json"}}});
+  mSend({{"jsonrpc", "2.0"},
+         {"id", "velmor-sql/watch"},
+         {"method", "client/registerCapability"},
+         {"params",
+          {{"registrations",
+            {{{"id", "velmor-sql/watch"},
+              {"method", "workspace/didChangeWatchedFiles"},
+              {"registerOptions", {{"watchers", std::move(watchers)}}}}}}}}});
 }
 
 void ServerState::split(Document& document) {
