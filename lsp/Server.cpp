@@ -61,6 +61,12 @@ bool isWordByte(char c) {
   return std::isalnum(byte) || byte == '_' || byte == '$' || byte >= 0x80;
 }
 
+bool sameLetters(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+         });
+}
+
 // The first line of a statement, short enough for an outline.
 std::string outlineName(const std::string& source) {
   std::string line = source.substr(0, source.find('\n'));
@@ -685,32 +691,32 @@ json ServerState::rename(const json& params) {
   const std::string newName = stringMember(params, "newName");
   if (newName.empty()) throw RequestError(InvalidParams, "the new name is empty");
   const Slice slice = sliceAt(document, offset);
+  refresh(document);
   const sql::host::Catalogue& catalogue = *document.effective.catalogue;
   json edits = json::array();
-  const auto places = occurrencesAt(slice.text, slice.cursor, catalogue);
-  if (!places.empty()) {
-    for (const Span& place : places) {
-      edits.push_back({{"range", range(document, slice.base + place.begin, slice.base + place.end)}, {"newText", newName}});
-    }
-    return {{"changes", {{document.uri, std::move(edits)}}}};
-  }
-  // A table: the word at the cursor, when its statement names such a table.
+  // A table named by the word at the cursor wins over the alias it may have: the alias's
+  // occurrences are the answer only where the word is no table of the statement.
   std::size_t begin = offset;
   std::size_t end = offset;
   while (begin > 0 && isWordByte(document.text[begin - 1])) --begin;
   while (end < document.text.size() && isWordByte(document.text[end])) ++end;
   const std::string word = document.text.substr(begin, end - begin);
-  refresh(document);
   std::optional<std::string> table;
-  for (std::size_t i = 0; i < document.statements.size() && !table; ++i) {
+  for (std::size_t i = 0; i < document.statements.size() && !table && !word.empty(); ++i) {
     const DocumentStatement& statement = document.statements[i];
     if (offset < statement.begin.offset || offset > statement.end.offset) continue;
     for (const TableUse& use : document.analyses[i]->tables) {
-      if (use.span.begin + statement.begin.offset == begin && use.name.size() == word.size()) table = use.name;
-      else if (use.name == word) table = use.name;
+      if (sameLetters(use.name, word)) table = use.name;
     }
   }
-  if (!table) throw RequestError(RequestFailed, "no table or alias to rename here");
+  if (!table) {
+    const auto places = occurrencesAt(slice.text, slice.cursor, catalogue);
+    if (places.empty()) throw RequestError(RequestFailed, "no table or alias to rename here");
+    for (const Span& place : places) {
+      edits.push_back({{"range", range(document, slice.base + place.begin, slice.base + place.end)}, {"newText", newName}});
+    }
+    return {{"changes", {{document.uri, std::move(edits)}}}};
+  }
   const std::wstring oldName = sql::host::fromUtf8(*table);
   const std::wstring wideNew = sql::host::fromUtf8(newName);
   for (const DocumentStatement& statement : document.statements) {

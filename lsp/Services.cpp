@@ -1,5 +1,4 @@
-// The editor services' answers copied into the server's terms. This file sees only the services'
-// header, whose names (Signature) the catalogue's header uses for other things.
+// The editor services' answers copied into the server's terms (spans of the text handed in).
 #include "Services.h"
 
 #include <velmor/sql/host/editor/Editing.h>
