@@ -16,19 +16,20 @@ namespace {
 using nlohmann::json;
 using velmor::lsp::Clock;
 
+// Statements that differ one from another (a number each), so that none shares an analysis.
 std::string largeDocument() {
   const char* statements[] = {
-      "SELECT parcel_id, area_sqm FROM parcels WHERE area_sqm > 100;",
-      "SELECT p.parcel_id, o.nosuch\n  FROM parcels AS p JOIN owners AS o ON o.owner_id = p.owner_id;",
-      "-- the lots of one owner\nSELECT * FROM parcels WHERE owner_id = 7;",
-      "UPDATE parcels SET land_use = 'park' WHERE parcel_id = 12;",
-      "SELECT land_use, count(*) FROM parcels GROUP BY land_use ORDER BY 2 DESC;",
-      "SELECT FROM parcels;",
+      "SELECT parcel_id, area_sqm FROM parcels WHERE area_sqm > ",
+      "SELECT p.parcel_id, o.nosuch\n  FROM parcels AS p JOIN owners AS o ON o.owner_id = p.owner_id AND p.parcel_id = ",
+      "-- the lots of one owner\nSELECT * FROM parcels WHERE owner_id = ",
+      "UPDATE parcels SET land_use = 'park' WHERE parcel_id = ",
+      "SELECT land_use, count(*) FROM parcels WHERE area_sqm > 1 GROUP BY land_use HAVING count(*) > ",
+      "SELECT FROM parcels WHERE parcel_id = ",
   };
   std::string text;
   std::size_t lines = 0;
   for (std::size_t i = 0; lines < 5000; ++i) {
-    const std::string statement = statements[i % std::size(statements)];
+    const std::string statement = statements[i % std::size(statements)] + std::to_string(i) + ";";
     text += statement + "\n";
     lines += static_cast<std::size_t>(std::count(statement.begin(), statement.end(), '\n')) + 1;
   }

@@ -142,7 +142,7 @@ public:
   std::map<std::string, Document> documents;
 
 private:
-  json dispatchRequest(const std::string& method, const json& params, Clock::time_point now);
+  json dispatchRequest(const std::string& method, const json& params);
   void dispatchNotification(const std::string& method, const json& params, Clock::time_point now);
 
   json initialize(const json& params);
@@ -189,7 +189,7 @@ private:
   // The client can watch files for the server: configuration and catalogue files then reload
   // as soon as they change, not at the next edit.
   bool mCanWatch = false;
-  // The faults of configuration and catalogue files as last published, by URI.
+  // The faults of configuration and catalogue files as last published, by path.
   std::map<std::string, std::string> mPublishedFileFaults;
 };
 
@@ -246,7 +246,7 @@ void ServerState::handle(const json& message, Clock::time_point now) {
     return;
   }
   try {
-    json result = dispatchRequest(method, params, now);
+    json result = dispatchRequest(method, params);
     mSend({{"jsonrpc", "2.0"}, {"id", id}, {"result", std::move(result)}});
   } catch (const RequestError& error) {
     if (error.code != MethodNotFound) mLog.warning(method + ": " + error.what());
@@ -262,7 +262,7 @@ void ServerState::handle(const json& message, Clock::time_point now) {
   }
 }
 
-json ServerState::dispatchRequest(const std::string& method, const json& params, Clock::time_point now) {
+json ServerState::dispatchRequest(const std::string& method, const json& params) {
   if (method == "initialize") {
     if (mInitialized) throw RequestError(InvalidRequest, "initialize was sent twice");
     return initialize(params);
@@ -281,7 +281,6 @@ json ServerState::dispatchRequest(const std::string& method, const json& params,
   if (method == "textDocument/rangeFormatting") return formatting(params, true);
   if (method == "textDocument/rename") return rename(params);
   if (method == "textDocument/codeAction") return codeAction(params);
-  (void)now;
   throw RequestError(MethodNotFound, "unknown method " + method);
 }
 
