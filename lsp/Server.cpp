@@ -300,8 +300,9 @@ void ServerState::dispatchNotification(const std::string& method, const json& pa
   if (method == "textDocument/didClose") return didClose(params);
   if (method == "textDocument/didSave") return;
   if (method == "workspace/didChangeConfiguration") {
+    // Clients that have their settings pulled send none here: the last ones stay.
     const auto settings = params.find("settings");
-    if (settings != params.end()) mSettings.setClient(*settings);
+    if (settings != params.end() && !settings->is_null()) mSettings.setClient(*settings);
     return configurationChanged(now);
   }
   if (method == "workspace/didChangeWatchedFiles") return configurationChanged(now);
