@@ -520,7 +520,13 @@ void ServerState::runDue(Clock::time_point now) {
   for (auto& [uri, document] : documents) {
     if (document.due && *document.due <= now) {
       document.due.reset();
-      publish(document);
+      try {
+        publish(document);
+      } catch (const std::bad_alloc&) {
+        throw;
+      } catch (const std::exception& error) {
+        mLog.error("diagnostics of " + uri + " failed: " + error.what());
+      }
     }
   }
 }
