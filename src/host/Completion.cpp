@@ -115,6 +115,7 @@ enum class Role {
   Qualified,    // a column of the qualifier before the '.'
   Qualifier,    // a table or alias before a '.'
   TableColumns, // a column of one named table: INSERT's column list, UPDATE's SET
+  Using,        // a column that both sides of a join have
 };
 
 struct Place {
@@ -124,8 +125,15 @@ struct Place {
 };
 
 Place findPlace(const ast::Node& tree, const std::wstring& standIn) {
-  const std::wstring key = normalized(standIn);
-  auto is = [&](const std::wstring& name) { return !name.empty() && normalized(name) == key; };
+  // The stand-in is ASCII in lower case: a name is it when it has its length and letters.
+  auto is = [&](const std::wstring& name) {
+    if (name.size() != standIn.size()) return false;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+      const wchar_t c = name[i] >= L'A' && name[i] <= L'Z' ? static_cast<wchar_t>(name[i] - L'A' + L'a') : name[i];
+      if (c != standIn[i]) return false;
+    }
+    return true;
+  };
   Place place;
   bool found = false;
   editor::forEachNode(tree, [&](const ast::Node& node) {
@@ -183,10 +191,15 @@ Place findPlace(const ast::Node& tree, const std::wstring& standIn) {
     } else if (ast::nodeIs<ast::DeleteStatement>(node)) {
       if (!is(ast::getNodeValue<ast::DeleteStatement>(node).table)) return;
       here.role = Role::Tables;
-    } else if (ast::nodeIs<ast::NamedColumnsJoin>(node)) {
+    } else if (ast::nodeIs<ast::JoinNode>(node)) {
+      const ast::Node& specification = ast::getNodeValue<ast::JoinNode>(node).specification;
+      if (!ast::nodeIs<ast::NamedColumnsJoin>(specification)) return;
       bool listed = false;
-      for (const std::wstring& column : ast::getNodeValue<ast::NamedColumnsJoin>(node).columns) listed = listed || is(column);
+      for (const std::wstring& column : ast::getNodeValue<ast::NamedColumnsJoin>(specification).columns) {
+        listed = listed || is(column);
+      }
       if (!listed) return;
+      here.role = Role::Using;
     } else {
       return;
     }
@@ -242,7 +255,7 @@ void addQualifiers(Collector& out, const Catalogue& catalogue, const ScopeAt& at
   for (const ScopeLevel& level : at.levels) {
     for (const DeclaredName& name : level.names) {
       // A name hidden by a nearer level's is not offered.
-      if (name.name.empty() || editor::declaredName(at.levels, name.name) != &name) continue;
+      if (name.name.empty() || editor::isFill(name.name) || editor::declaredName(at.levels, name.name) != &name) continue;
       if (ast::nodeIs<ast::TablePrimary>(name.declaration)) {
         const auto& primary = ast::getNodeValue<ast::TablePrimary>(name.declaration);
         if (primary.alias.empty()) out.add(Candidate::Kind::Table, written(name.name));
@@ -255,6 +268,29 @@ void addQualifiers(Collector& out, const Catalogue& catalogue, const ScopeAt& at
     }
   }
   (void)catalogue;
+}
+
+// The catalogue tables that a side of a join names.
+std::vector<std::shared_ptr<TableInfo>> tablesOf(const ast::Node& side, const Catalogue& catalogue) {
+  std::vector<std::shared_ptr<TableInfo>> tables;
+  editor::forEachNode(side, [&](const ast::Node& node) {
+    if (!ast::nodeIs<ast::TablePrimary>(node)) return;
+    if (auto table = catalogue.table(ast::getNodeValue<ast::TablePrimary>(node).table)) tables.push_back(std::move(table));
+  });
+  return tables;
+}
+
+void addUsingColumns(Collector& out, const Catalogue& catalogue, const ast::JoinNode& join) {
+  const auto left = tablesOf(join.left, catalogue);
+  const auto right = tablesOf(join.right, catalogue);
+  for (const auto& table : left) {
+    for (std::size_t i = 0; i < table->columnCount(); ++i) {
+      const ColumnInfo column = table->columnByIndex(i);
+      const std::wstring& name = column.canonicalName();
+      const bool shared = std::any_of(right.begin(), right.end(), [&](const auto& other) { return other->hasColumn(name); });
+      if (shared) out.add(Candidate::Kind::Column, written(name), catalogue.typeName(column.type()));
+    }
+  }
 }
 
 void addNames(Collector& out, const std::string& text, std::size_t wordBegin, std::size_t wordEnd,
@@ -283,6 +319,9 @@ void addNames(Collector& out, const std::string& text, std::size_t wordBegin, st
         }
       }
     }
+    return;
+  case Role::Using:
+    addUsingColumns(out, catalogue, ast::getNodeValue<ast::JoinNode>(place.node));
     return;
   case Role::Value:
   case Role::Qualified:
@@ -326,7 +365,7 @@ void addNames(Collector& out, const std::string& text, std::size_t wordBegin, st
       for (const ColumnInfo& column : columnsOf(name)) addColumn(out, catalogue, at, column, name.name);
     }
     for (const DeclaredName& name : level.names) {
-      if (name.name.empty() || editor::declaredName(at.levels, name.name) != &name) continue;
+      if (name.name.empty() || editor::isFill(name.name) || editor::declaredName(at.levels, name.name) != &name) continue;
       if (ast::nodeIs<ast::TablePrimary>(name.declaration) &&
           !ast::getNodeValue<ast::TablePrimary>(name.declaration).alias.empty()) {
         out.add(Candidate::Kind::Alias, written(name.name),
@@ -355,7 +394,9 @@ Completion completeOrThrow(const std::string& document, std::size_t offset, cons
 
   // Where the scanner passes over bytes without a token, the cursor may stand in a string or a
   // name that never closes; nothing is offered there or right behind such bytes.
-  const std::vector<TokenPlace> places = tokenPlaces(text);
+  const auto scanned = tryTokenPlaces(text);
+  if (!scanned) return answer; // a lexeme longer than the scanner's window
+  const std::vector<TokenPlace>& places = *scanned;
   std::size_t k = 0;
   while (k < places.size() && places[k].end <= cursor) ++k;
   auto wordLike = [&](const TokenPlace& token) {

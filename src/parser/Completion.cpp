@@ -35,4 +35,18 @@ std::vector<TokenPlace> tokenPlaces(const std::string& text) {
   return places;
 }
 
+std::optional<std::vector<TokenPlace>> tryTokenPlaces(const std::string& text) {
+  std::vector<TokenPlace> places;
+  SqlLexer lexer(text, nullptr);
+  lexer.setQuiet(true);
+  Token token;
+  try {
+    while (lexer.next(token)) places.push_back({token.id, lexer.lexemeBegin(), lexer.lexemeEnd()});
+  } catch (const std::runtime_error&) {
+    if (lexer.status() != Lexer::Status::Error) throw;
+    return std::nullopt;
+  }
+  return places;
+}
+
 } // namespace velmor::sql

@@ -33,8 +33,9 @@ public:
   /// (T_TERMINATION, id 0) is one too, since nothing may follow it.
   bool run(const std::vector<std::uint32_t>& ids) {
     mStack.assign(1, 0);
+    Plain stack(mStack);
     for (const std::uint32_t id : ids) {
-      if (id == 0 || !push(Tables::translate(id))) return false;
+      if (id == 0 || !shifts(stack, Tables::translate(id))) return false;
     }
     return true;
   }
@@ -85,6 +86,7 @@ public:
           ++i;
           mended = true;
         }
+        if (!mended) mended = closeBefore(ids, i, fixes);
       }
       if (!mended) {
         for (; i < ids.size(); ++i) fixes.push_back({i, true, 0});
@@ -94,17 +96,7 @@ public:
     const std::size_t bound = 2 * mStack.size() + 64;
     for (std::size_t step = 0; !accepts(0); ++step) {
       if (step == bound) return std::nullopt;
-      std::uint32_t chosen = noId;
-      for (const std::uint32_t id : Tables::closers()) {
-        if (accepts(Tables::translate(id))) {
-          chosen = id;
-          break;
-        }
-      }
-      for (int symbol = 3; chosen == noId && symbol < Tables::tokenCount(); ++symbol) {
-        const std::uint32_t id = Tables::idOf(symbol);
-        if (id != noId && accepts(symbol)) chosen = id;
-      }
+      const std::uint32_t chosen = closer();
       if (chosen == noId) return std::nullopt;
       push(Tables::translate(chosen));
       fixes.push_back({ids.size(), false, chosen});
@@ -119,6 +111,11 @@ private:
   class Overlay {
   public:
     explicit Overlay(const std::vector<int>& base) : mBase(base), mKept(base.size()) {}
+    /// Makes `stack` (the base) what the window shows.
+    void commit(std::vector<int>& stack) const {
+      stack.resize(mKept);
+      stack.insert(stack.end(), mExtra.begin(), mExtra.end());
+    }
     int back() const { return mExtra.empty() ? mBase[mKept - 1] : mExtra.back(); }
     std::size_t size() const { return mKept + mExtra.size(); }
     void pop(std::size_t count) {
@@ -146,9 +143,47 @@ private:
     std::vector<int>& mStack;
   };
 
+  // Shifts `symbol` onto the real stack; a symbol that fails leaves it as it was (the default
+  // reductions made before the failure showed are undone with it).
   bool push(int symbol) {
-    Plain stack(mStack);
-    return shifts(stack, symbol);
+    Overlay probe(mStack);
+    if (!shifts(probe, symbol)) return false;
+    probe.commit(mStack);
+    return true;
+  }
+
+  // A few closing tokens (as at the end) put before token i, when after them it and the next
+  // one pass: an open CASE or parenthesis in front of the rest of the statement.
+  bool closeBefore(const std::vector<std::uint32_t>& ids, std::size_t i, std::vector<Fix>& fixes) {
+    constexpr std::size_t most = 6;
+    const std::vector<int> saved = mStack;
+    std::vector<std::uint32_t> put;
+    while (put.size() < most) {
+      const std::uint32_t id = closer();
+      if (id == noId || id == 0) break;
+      push(Tables::translate(id));
+      put.push_back(id);
+      if (passes(noId, ids, i)) {
+        for (const std::uint32_t each : put) fixes.push_back({i, false, each});
+        return true;
+      }
+    }
+    mStack = saved;
+    return false;
+  }
+
+  // The token that closing puts in next: the first of the closers that is accepted, else the
+  // first accepted terminal; the end of the text (0) when it is accepted, none when nothing is.
+  std::uint32_t closer() const {
+    if (accepts(0)) return 0;
+    for (const std::uint32_t id : Tables::closers()) {
+      if (accepts(Tables::translate(id))) return id;
+    }
+    for (int symbol = 3; symbol < Tables::tokenCount(); ++symbol) {
+      const std::uint32_t id = Tables::idOf(symbol);
+      if (id != noId && accepts(symbol)) return id;
+    }
+    return noId;
   }
 
   // Whether `id` (none: nothing) and then the next two tokens from `from` would be shifted.

@@ -403,14 +403,9 @@ std::optional<SignatureHelp> signatureHelp(const std::string& text, std::size_t 
   editor::Segment segment = editor::segmentAt(text, offset);
   if (segment.inComment) return std::nullopt;
   const std::size_t cursor = offset - segment.begin;
-  std::vector<TokenPlace> tokens;
-  try {
-    tokens = tokenPlaces(segment.text);
-  } catch (const std::bad_alloc&) {
-    throw;
-  } catch (...) {
-    return std::nullopt;
-  }
+  const auto scanned = tryTokenPlaces(segment.text);
+  if (!scanned) return std::nullopt;
+  const std::vector<TokenPlace>& tokens = *scanned;
   std::size_t k = 0; // tokens that end at or before the cursor
   while (k < tokens.size() && tokens[k].begin < cursor) ++k;
   // Outward from the cursor: the first unclosed '(' that follows a function's name.

@@ -61,6 +61,9 @@ inline Label overloadLabel(const Catalogue& catalogue, const std::string& name, 
   return label;
 }
 
+/// A name that repair put in, standing for nothing the user wrote.
+inline bool isFill(const std::wstring& name) { return name == L"zq_velmor_fill"; }
+
 /// The declared name of `levels` that `qualifier` means: the nearest level's.
 inline const DeclaredName* declaredName(const std::vector<ScopeLevel>& levels, const std::wstring& qualifier) {
   const std::wstring key = normalized(qualifier);

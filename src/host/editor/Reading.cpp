@@ -132,7 +132,7 @@ std::size_t Insertions::toAfter(std::size_t before) const {
 
 std::string spelling(std::uint32_t id) {
   switch (id) {
-  case T_IDENTIFIER: return "zq_velmor_fill";
+  case T_IDENTIFIER: return fillName;
   case T_INTEGER_NUMBER: return "1";
   case T_EXACT_NUMBER: return "1.0";
   case T_APPROX_NUMBER: return "1E0";
@@ -169,7 +169,9 @@ std::optional<Reading> Reading::read(const std::string& text, std::size_t replac
   SqlParser& parser = threadParser();
   parser.keepSourceRanges = true;
   try {
-    std::vector<TokenPlace> tokens = tokenPlaces(given);
+    auto scanned = tryTokenPlaces(given);
+    if (!scanned) return std::nullopt;
+    std::vector<TokenPlace> tokens = std::move(*scanned);
     if (given.find('\0') == std::string::npos && parser.parse(given)) {
       reading.mText = std::move(given);
       reading.mTokens = std::move(tokens);
@@ -200,7 +202,9 @@ std::optional<Reading> Reading::read(const std::string& text, std::size_t replac
       }
       mended.append(blanked, copied, std::string::npos);
       if (!parser.parse(mended)) return std::nullopt;
-      reading.mTokens = tokenPlaces(mended);
+      auto mendedTokens = tryTokenPlaces(mended);
+      if (!mendedTokens) return std::nullopt;
+      reading.mTokens = std::move(*mendedTokens);
       reading.mText = std::move(mended);
     }
   } catch (const std::bad_alloc&) {

@@ -47,6 +47,9 @@ private:
   std::vector<Piece> mPieces;
 };
 
+/// The name that repair puts in where a name is missing.
+inline constexpr const char* fillName = "zq_velmor_fill";
+
 /// How a token is written when repair puts it in.
 std::string spelling(std::uint32_t id);
 

@@ -57,4 +57,8 @@ struct TokenPlace {
 /// with their byte ranges. Throws as tokenize() does. Reentrant.
 VELMOR_SQL_API std::vector<TokenPlace> tokenPlaces(const std::string& text);
 
+/// The same, but nullopt for a text that holds a lexeme longer than the scanner's window, which
+/// is then neither thrown nor written to std::cerr: for tools that scan text as it is typed.
+VELMOR_SQL_API std::optional<std::vector<TokenPlace>> tryTokenPlaces(const std::string& text);
+
 } // namespace velmor::sql
