@@ -121,6 +121,8 @@ struct Slice {
   std::string text;
   std::size_t base = 0;
   std::size_t cursor = 0;
+  /// The place is inside a comment: nothing is offered there.
+  bool inComment = false;
 };
 
 class ServerState {
@@ -545,21 +547,39 @@ Slice ServerState::sliceAt(Document& document, std::size_t offset) {
   const auto& statements = document.statements;
   const auto after = std::upper_bound(statements.begin(), statements.end(), offset,
                                       [](std::size_t at, const DocumentStatement& s) { return at < s.begin.offset; });
-  if (after == statements.begin()) return {std::string(), offset, 0};
-  const DocumentStatement& statement = *(after - 1);
-  if (offset <= statement.end.offset) return {statement.text, statement.begin.offset, offset - statement.begin.offset};
-  // Past the statement's end: in the same statement unless its ';' comes first. The gap holds
-  // only white space, comments and that ';'.
-  std::string text = statement.text;
+  const DocumentStatement* statement = after == statements.begin() ? nullptr : &*(after - 1);
+  if (statement && offset <= statement->end.offset) {
+    // Inside the statement a comment shows as bytes the splitter blanked; a cursor right after
+    // the "*/" that closes one is outside it.
+    const std::size_t at = offset - statement->begin.offset;
+    const std::string& text = statement->text;
+    const std::string& source = statement->source;
+    const bool onBlanked = at < text.size() && text[at] != source[at];
+    const bool afterBlanked = at > 0 && text[at - 1] != source[at - 1] &&
+                              !(at >= 2 && source[at - 1] == '/' && source[at - 2] == '*');
+    return {text, statement->begin.offset, at, onBlanked || afterBlanked};
+  }
+  // Past the statement's end (or before the first): white space, comments and perhaps the ';'
+  // that ends the statement, after which a new one begins at the cursor.
+  const std::size_t from = statement ? statement->end.offset : 0;
+  std::string text = statement ? statement->text : std::string();
+  bool ended = statement == nullptr;
   enum { Code, Line, Block } state = Code;
-  for (std::size_t i = statement.end.offset; i < offset; ++i) {
+  for (std::size_t i = from; i < offset; ++i) {
     const char c = document.text[i];
     const char next = i + 1 < offset ? document.text[i + 1] : '\0';
-    if (state == Code && c == ';') return {std::string(), offset, 0};
-    if (state == Code && c == '-' && next == '-') state = Line;
-    else if (state == Code && c == '/' && next == '*') state = Block;
-    else if (state == Line && c == '\n') state = Code;
-    else if (state == Block && c == '*' && next == '/') {
+    if (state == Code && c == ';') {
+      ended = true;
+    } else if (state == Code && c == '-' && next == '-') {
+      state = Line;
+    } else if (state == Code && c == '/' && next == '*') {
+      text += "  ";
+      ++i;
+      state = Block;
+      continue;
+    } else if (state == Line && c == '\n') {
+      state = Code;
+    } else if (state == Block && c == '*' && next == '/') {
       text += "  ";
       ++i;
       state = Code;
@@ -567,13 +587,15 @@ Slice ServerState::sliceAt(Document& document, std::size_t offset) {
     }
     text += c == '\n' ? '\n' : ' ';
   }
-  return {std::move(text), statement.begin.offset, offset - statement.begin.offset};
+  if (ended) return {std::string(), offset, 0, state != Code};
+  return {std::move(text), statement->begin.offset, offset - statement->begin.offset, state != Code};
 }
 
 json ServerState::completion(const json& params) {
   Document& document = this->document(params);
   const std::size_t offset = offsetOf(document, positionMember(params, "position"));
   const Slice slice = sliceAt(document, offset);
+  if (slice.inComment) return {{"isIncomplete", false}, {"items", json::array()}};
   const sql::host::Completion answer = sql::host::complete(slice.text, slice.cursor, *document.effective.catalogue);
   const json replaced = range(document, slice.base + answer.replaceBegin, slice.base + answer.replaceEnd);
   json items = json::array();
@@ -607,6 +629,7 @@ json ServerState::hover(const json& params) {
 json ServerState::signatureHelp(const json& params) {
   Document& document = this->document(params);
   const Slice slice = sliceAt(document, offsetOf(document, positionMember(params, "position")));
+  if (slice.inComment) return nullptr;
   const auto answer = signaturesAt(slice.text, slice.cursor, *document.effective.catalogue);
   if (!answer) return nullptr;
   json signatures = json::array();
