@@ -15,12 +15,15 @@ class Catalogue;
 
 namespace velmor::lsp {
 
+/// What is under the cursor: the span it is about, a title line and further lines.
 struct HoverAnswer {
   Span span;
   std::string title;
   std::vector<std::string> details;
 };
 
+/// The overloads of the call around the cursor, the one the arguments resolve to and the argument
+/// the cursor is in.
 struct SignatureAnswer {
   struct Overload {
     std::string label;
@@ -32,10 +35,11 @@ struct SignatureAnswer {
   std::size_t activeParameter = 0;
 };
 
+/// The kit's answers for byte `offset` of `text` (one statement, or the start of one), with spans
+/// in `text`; none or empty where the kit has nothing. Never throw but std::bad_alloc.
 std::optional<HoverAnswer> hoverAt(const std::string& text, std::size_t offset, const sql::host::Catalogue& catalogue);
 std::optional<SignatureAnswer> signaturesAt(const std::string& text, std::size_t offset,
                                             const sql::host::Catalogue& catalogue);
-/// The declaration of the name at `offset`.
 std::optional<Span> definitionAt(const std::string& text, std::size_t offset, const sql::host::Catalogue& catalogue);
 std::vector<Span> occurrencesAt(const std::string& text, std::size_t offset, const sql::host::Catalogue& catalogue);
 
