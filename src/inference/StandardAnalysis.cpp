@@ -6,6 +6,7 @@
 #include <velmor/sql/types/Strings.h>
 
 #include "common/DeepStack.h"
+#include "inference/Resolutions.h"
 #include "inference/ResultColumns.h"
 #include "types/ColumnOrder.h"
 
@@ -33,6 +34,18 @@ void walkLevel(const ast::Node& root, Visit&& visit) {
     stack.pop_back();
     if (node.isNull() || isQuery(node)) continue;
     if (!visit(node)) continue;
+    // Operations and calls, the bulk of any clause, hand out their operands without a list of
+    // children being made.
+    if (ast::nodeIs<ast::Operation>(node)) {
+      const auto& operands = ast::getNodeValue<ast::Operation>(node).operands;
+      for (auto child = operands.rbegin(); child != operands.rend(); ++child) stack.push_back(*child);
+      continue;
+    }
+    if (ast::nodeIs<ast::Function>(node)) {
+      const auto& arguments = ast::getNodeValue<ast::Function>(node).arguments;
+      for (auto child = arguments.rbegin(); child != arguments.rend(); ++child) stack.push_back(*child);
+      continue;
+    }
     std::vector<ast::Node> below = ast::children(node);
     for (auto child = below.rbegin(); child != below.rend(); ++child) stack.push_back(std::move(*child));
   }
@@ -355,6 +368,7 @@ std::optional<std::vector<std::shared_ptr<Type>>> StandardAnalysis::queryColumns
 }
 
 void StandardAnalysis::checkStatement(const ast::Node& statement, const std::shared_ptr<ColumnInfoScope>& external) {
+  const ResolutionScope resolutions;
   LevelScope outside(nullptr);
   outside.m_local = external;
   const LevelScope* outer = external ? &outside : nullptr;
