@@ -116,6 +116,14 @@ struct Document {
   std::optional<Clock::time_point> due;
 };
 
+// What a rename at a place changes: a table of the statement (`word` is its name at the place),
+// or the places of an alias (`word` is the one at the place).
+struct RenameTarget {
+  std::optional<std::string> table;
+  std::vector<Span> places;
+  Span word;
+};
+
 // The text a kit service reads for a place of a document: the statement around it.
 struct Slice {
   std::string text;
@@ -162,6 +170,8 @@ private:
   json documentSymbol(const json& params);
   json formatting(const json& params, bool range);
   json rename(const json& params);
+  json prepareRename(const json& params);
+  RenameTarget renameTarget(Document& document, std::size_t offset);
   json codeAction(const json& params);
 
   Document& document(const json& params);
@@ -282,6 +292,7 @@ json ServerState::dispatchRequest(const std::string& method, const json& params)
   if (method == "textDocument/formatting") return formatting(params, false);
   if (method == "textDocument/rangeFormatting") return formatting(params, true);
   if (method == "textDocument/rename") return rename(params);
+  if (method == "textDocument/prepareRename") return prepareRename(params);
   if (method == "textDocument/codeAction") return codeAction(params);
   throw RequestError(MethodNotFound, "unknown method " + method);
 }
@@ -346,7 +357,7 @@ json ServerState::initialize(const json& params) {
       {"documentSymbolProvider", true},
       {"documentFormattingProvider", true},
       {"documentRangeFormattingProvider", true},
-      {"renameProvider", true},
+      {"renameProvider", {{"prepareProvider", true}}},
       {"codeActionProvider", {{"codeActionKinds", {"quickfix"}}}},
   };
   return {{"capabilities", std::move(capabilities)}, {"serverInfo", {{"name", "velmor-sql"}, {"version", mVersion}}}};
@@ -714,15 +725,10 @@ json ServerState::formatting(const json& params, bool ranged) {
   return edits;
 }
 
-json ServerState::rename(const json& params) {
-  Document& document = this->document(params);
-  const std::size_t offset = offsetOf(document, positionMember(params, "position"));
-  const std::string newName = stringMember(params, "newName");
-  if (newName.empty()) throw RequestError(InvalidParams, "the new name is empty");
+RenameTarget ServerState::renameTarget(Document& document, std::size_t offset) {
+  RenameTarget target;
   const Slice slice = sliceAt(document, offset);
   refresh(document);
-  const sql::host::Catalogue& catalogue = *document.effective.catalogue;
-  json edits = json::array();
   // A table named by the word at the cursor wins over the alias it may have: the alias's
   // occurrences are the answer only where the word is no table of the statement.
   std::size_t begin = offset;
@@ -730,27 +736,52 @@ json ServerState::rename(const json& params) {
   while (begin > 0 && isWordByte(document.text[begin - 1])) --begin;
   while (end < document.text.size() && isWordByte(document.text[end])) ++end;
   const std::string word = document.text.substr(begin, end - begin);
-  std::optional<std::string> table;
-  for (std::size_t i = 0; i < document.statements.size() && !table && !word.empty(); ++i) {
+  for (std::size_t i = 0; i < document.statements.size() && !target.table && !word.empty(); ++i) {
     const DocumentStatement& statement = document.statements[i];
     if (offset < statement.begin.offset || offset > statement.end.offset) continue;
     for (const TableUse& use : document.analyses[i]->tables) {
-      if (sameLetters(use.name, word)) table = use.name;
+      if (sameLetters(use.name, word)) target.table = use.name;
     }
   }
-  if (!table) {
-    const auto places = occurrencesAt(slice.text, slice.cursor, catalogue);
-    if (places.empty()) throw RequestError(RequestFailed, "no table or alias to rename here");
-    for (const Span& place : places) {
-      edits.push_back({{"range", range(document, slice.base + place.begin, slice.base + place.end)}, {"newText", newName}});
+  if (target.table) {
+    target.word = {begin, end};
+    return target;
+  }
+  for (const Span& place : occurrencesAt(slice.text, slice.cursor, *document.effective.catalogue)) {
+    target.places.push_back({slice.base + place.begin, slice.base + place.end});
+    if (target.places.back().begin <= offset && offset <= target.places.back().end) target.word = target.places.back();
+  }
+  return target;
+}
+
+json ServerState::prepareRename(const json& params) {
+  Document& document = this->document(params);
+  const std::size_t offset = offsetOf(document, positionMember(params, "position"));
+  const RenameTarget target = renameTarget(document, offset);
+  if (!target.table && target.places.empty()) return nullptr;
+  return range(document, target.word.begin, target.word.end);
+}
+
+json ServerState::rename(const json& params) {
+  Document& document = this->document(params);
+  const std::size_t offset = offsetOf(document, positionMember(params, "position"));
+  const std::string newName = stringMember(params, "newName");
+  if (newName.empty()) throw RequestError(InvalidParams, "the new name is empty");
+  const RenameTarget target = renameTarget(document, offset);
+  json edits = json::array();
+  if (!target.table) {
+    if (target.places.empty()) throw RequestError(RequestFailed, "no table or alias to rename here");
+    for (const Span& place : target.places) {
+      edits.push_back({{"range", range(document, place.begin, place.end)}, {"newText", newName}});
     }
     return {{"changes", {{document.uri, std::move(edits)}}}};
   }
-  const std::wstring oldName = sql::host::fromUtf8(*table);
+  const std::wstring oldName = sql::host::fromUtf8(*target.table);
   const std::wstring wideNew = sql::host::fromUtf8(newName);
   for (const DocumentStatement& statement : document.statements) {
     try {
-      if (const auto renamed = renameTableIn(statement.text, statement.source, catalogue, oldName, wideNew)) {
+      if (const auto renamed =
+              renameTableIn(statement.text, statement.source, *document.effective.catalogue, oldName, wideNew)) {
         edits.push_back({{"range", range(document, statement.begin.offset, statement.end.offset)}, {"newText", *renamed}});
       }
     } catch (const std::runtime_error& error) {
