@@ -122,6 +122,7 @@ private:
   /// Types a clause that adds no columns as one part, unless the observer spares it.
   void typeClause(const LevelScope& level, const ast::Node& clause);
   bool isAggregateCall(const ast::Node& node) const;
+  bool isAggregateCall(const ast::Function* function) const;
   bool assignable(const std::shared_ptr<Type>& target, const std::shared_ptr<Type>& source,
                   const ast::Node* value) const;
 
