@@ -297,14 +297,14 @@ void addUsingColumns(Collector& out, const Catalogue& catalogue, const ast::Join
   }
 }
 
-void addNames(Collector& out, const std::string& text, std::size_t wordBegin, std::size_t wordEnd,
-              const Catalogue& catalogue) {
+void addNames(Collector& out, const std::string& text, const std::vector<TokenPlace>& tokens, std::size_t wordBegin,
+              std::size_t wordEnd, const Catalogue& catalogue) {
   // A stand-in that the statement does not hold already.
   std::string standIn = "zq_velmor_cursor";
   std::string folded = text; // ASCII letters folded: the stand-in is lower-case ASCII
   for (char& c : folded) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
   while (folded.find(standIn) != std::string::npos) standIn += '_';
-  const auto reading = editor::Reading::read(text, wordBegin, wordEnd, standIn);
+  const auto reading = editor::Reading::read(text, wordBegin, wordEnd, standIn, &tokens);
   if (!reading) return;
   const std::size_t standInAt = reading->fromGiven(wordBegin);
   const Place place = findPlace(reading->tree(), fromUtf8(standIn), reading->innermost(standInAt, standInAt + standIn.size()));
@@ -401,7 +401,8 @@ Completion completeOrThrow(const std::string& document, std::size_t offset, cons
 
   // Where the scanner passes over bytes without a token, the cursor may stand in a string or a
   // name that never closes; nothing is offered there or right behind such bytes.
-  const auto scanned = tryTokenPlaces(text);
+  std::vector<SkippedText> skippedBytes;
+  const auto scanned = tryTokenPlaces(text, &skippedBytes);
   if (!scanned) return answer; // a lexeme longer than the scanner's window
   const std::vector<TokenPlace>& places = *scanned;
   std::size_t k = 0;
@@ -428,7 +429,7 @@ Completion completeOrThrow(const std::string& document, std::size_t offset, cons
     // At a word's first byte: the whole word is replaced.
     wordEnd = places[k].end;
   }
-  for (const SkippedText& skipped : skippedText(text)) {
+  for (const SkippedText& skipped : skippedBytes) {
     if (skipped.offset >= cursor) break;
     if (skipped.kind == SkippedText::Kind::AfterNul) return answer;
     const char first = text[skipped.offset];
@@ -447,7 +448,7 @@ Completion completeOrThrow(const std::string& document, std::size_t offset, cons
   Collector out(text.substr(wordBegin, cursor - wordBegin));
   const bool word = wordBegin != cursor;
   if (std::find(accepted->begin(), accepted->end(), std::uint32_t{T_IDENTIFIER}) != accepted->end()) {
-    addNames(out, text, wordBegin, wordEnd, catalogue);
+    addNames(out, text, places, wordBegin, wordEnd, catalogue);
   }
   std::vector<std::string> keywords;
   std::vector<std::string> punctuation;

@@ -615,9 +615,13 @@ StandardAnalysis::Columns StandardAnalysis::checkSpecification(const ast::QueryS
 
 StandardAnalysis::Columns StandardAnalysis::checkOperation(const ast::QueryOperation& operation,
                                                           const ast::Node& node, const LevelScope* outer) {
+  // The columns are the left side's. A watcher that spares what it does not ask about spares a
+  // right side that holds none of its nodes, and a left side too when its nodes are all on the
+  // right: no node asked about can then see the columns.
+  if (mObserver && mObserver->wants(operation.right) && !mObserver->wants(operation.left)) {
+    return checkQuery(operation.right, outer);
+  }
   Columns left = checkQuery(operation.left, outer);
-  // The columns are the left side's: a watcher that spares what it does not ask about spares a
-  // right side that holds none of its nodes.
   if (mObserver && !mObserver->wants(operation.right)) return left;
   const Columns right = checkQuery(operation.right, outer);
   if (left.complete && right.complete && left.columns.size() != right.columns.size()) {

@@ -35,10 +35,14 @@ std::vector<TokenPlace> tokenPlaces(const std::string& text) {
   return places;
 }
 
-std::optional<std::vector<TokenPlace>> tryTokenPlaces(const std::string& text) {
+std::optional<std::vector<TokenPlace>> tryTokenPlaces(const std::string& text, std::vector<SkippedText>* skipped) {
   std::vector<TokenPlace> places;
   SqlLexer lexer(text, nullptr);
   lexer.setQuiet(true);
+  if (skipped) {
+    skipped->clear();
+    lexer.reportSkipped(skipped);
+  }
   Token token;
   try {
     while (lexer.next(token)) places.push_back({token.id, lexer.lexemeBegin(), lexer.lexemeEnd()});

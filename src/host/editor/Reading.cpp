@@ -157,7 +157,7 @@ std::string spelling(std::uint32_t id) {
 }
 
 std::optional<Reading> Reading::read(const std::string& text, std::size_t replaceBegin, std::size_t replaceEnd,
-                                     const std::string& with) {
+                                     const std::string& with, const std::vector<TokenPlace>* givenTokens) {
   Reading reading;
   std::string given = text;
   if (!with.empty()) {
@@ -169,9 +169,29 @@ std::optional<Reading> Reading::read(const std::string& text, std::size_t replac
   SqlParser& parser = threadParser();
   parser.keepSourceRanges = true;
   try {
-    auto scanned = tryTokenPlaces(given);
-    if (!scanned) return std::nullopt;
-    std::vector<TokenPlace> tokens = std::move(*scanned);
+    std::vector<TokenPlace> tokens;
+    if (givenTokens) {
+      // The tokens of the text as given, the replaced word now the name put in its place.
+      tokens.reserve(givenTokens->size() + 1);
+      const std::size_t shift = with.size();
+      const std::size_t removed = replaceEnd - replaceBegin;
+      bool placed = with.empty();
+      for (const TokenPlace& token : *givenTokens) {
+        if (token.end <= replaceBegin) {
+          tokens.push_back(token);
+        } else if (token.begin >= replaceEnd) {
+          if (!placed) tokens.push_back({T_IDENTIFIER, replaceBegin, replaceBegin + shift});
+          placed = true;
+          tokens.push_back({token.id, token.begin - removed + shift, token.end - removed + shift});
+        }
+        // A token inside the replaced bytes is the word that the name replaces.
+      }
+      if (!placed) tokens.push_back({T_IDENTIFIER, replaceBegin, replaceBegin + shift});
+    } else {
+      auto scanned = tryTokenPlaces(given);
+      if (!scanned) return std::nullopt;
+      tokens = std::move(*scanned);
+    }
     if (given.find('\0') == std::string::npos && parser.parse(given)) {
       reading.mText = std::move(given);
       reading.mTokens = std::move(tokens);

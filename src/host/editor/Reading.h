@@ -56,11 +56,13 @@ std::string spelling(std::uint32_t id);
 /// A statement text mended to parse.
 class Reading {
 public:
-  /// Reads `text`, first putting `with` in place of its bytes [replaceBegin, replaceEnd) when
-  /// `with` is not empty. None when no mending within a few fixes makes it parse, or when its
-  /// scanner fails (an over-long lexeme).
+  /// Reads `text`, first putting `with` (one name) in place of its bytes [replaceBegin,
+  /// replaceEnd) when `with` is not empty; `tokens`, when given, are those of `text`, and the
+  /// replaced bytes are a whole token or none. None when no mending within a few fixes makes it
+  /// parse, or when its scanner fails (an over-long lexeme).
   static std::optional<Reading> read(const std::string& text, std::size_t replaceBegin = 0,
-                                     std::size_t replaceEnd = 0, const std::string& with = {});
+                                     std::size_t replaceEnd = 0, const std::string& with = {},
+                                     const std::vector<TokenPlace>* tokens = nullptr);
 
   const ast::Node& tree() const { return mTree; }
   const SourceRanges& ranges() const { return *mRanges; }

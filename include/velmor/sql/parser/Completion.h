@@ -59,6 +59,8 @@ VELMOR_SQL_API std::vector<TokenPlace> tokenPlaces(const std::string& text);
 
 /// The same, but nullopt for a text that holds a lexeme longer than the scanner's window, which
 /// is then neither thrown nor written to std::cerr: for tools that scan text as it is typed.
-VELMOR_SQL_API std::optional<std::vector<TokenPlace>> tryTokenPlaces(const std::string& text);
+/// When `skipped` is given, it also gets what skippedText(text) gives, from the same scan.
+VELMOR_SQL_API std::optional<std::vector<TokenPlace>> tryTokenPlaces(const std::string& text,
+                                                                     std::vector<SkippedText>* skipped = nullptr);
 
 } // namespace velmor::sql
