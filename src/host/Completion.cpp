@@ -38,32 +38,7 @@ bool startsWord(unsigned char c) {
 // The text that stands for a token that is no name, number or string; nullptr for those.
 const char* tokenText(std::uint32_t id, Candidate::Kind& kind) {
   kind = Candidate::Kind::Punctuation;
-  switch (id) {
-  case T_EQ: return "=";
-  case T_NEQ: return "<>";
-  case T_LT: return "<";
-  case T_GT: return ">";
-  case T_LT_EQ: return "<=";
-  case T_GT_EQ: return ">=";
-  case T_LSHIFT: return "<<";
-  case T_RSHIFT: return ">>";
-  case T_CONCAT: return "||";
-  case T_MOD: return "%";
-  case T_ASSIGN: return ":=";
-  case T_PARAM_NAME: return ":";
-  case '|': return "|";
-  case '^': return "^";
-  case '+': return "+";
-  case '-': return "-";
-  case '*': return "*";
-  case '/': return "/";
-  case '\\': return "\\";
-  case '(': return "(";
-  case ')': return ")";
-  case ',': return ",";
-  case '.': return ".";
-  default: break;
-  }
+  if (const char* text = editor::operatorText(id)) return text;
   kind = Candidate::Kind::Keyword;
   if (id == T_ISNOT) return "IS NOT";
   return nullptr;

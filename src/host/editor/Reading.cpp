@@ -130,13 +130,8 @@ std::size_t Insertions::toAfter(std::size_t before) const {
   return before + (piece->after - piece->before + piece->length);
 }
 
-std::string spelling(std::uint32_t id) {
+const char* operatorText(std::uint32_t id) {
   switch (id) {
-  case T_IDENTIFIER: return fillName;
-  case T_INTEGER_NUMBER: return "1";
-  case T_EXACT_NUMBER: return "1.0";
-  case T_APPROX_NUMBER: return "1E0";
-  case T_STRING: return "''";
   case T_EQ: return "=";
   case T_NEQ: return "<>";
   case T_LT: return "<";
@@ -149,9 +144,32 @@ std::string spelling(std::uint32_t id) {
   case T_MOD: return "%";
   case T_ASSIGN: return ":=";
   case T_PARAM_NAME: return ":";
+  case '|': return "|";
+  case '^': return "^";
+  case '+': return "+";
+  case '-': return "-";
+  case '*': return "*";
+  case '/': return "/";
+  case '\\': return "\\";
+  case '(': return "(";
+  case ')': return ")";
+  case ',': return ",";
+  case '.': return ".";
+  default: return nullptr;
+  }
+}
+
+std::string spelling(std::uint32_t id) {
+  switch (id) {
+  case T_IDENTIFIER: return fillName;
+  case T_INTEGER_NUMBER: return "1";
+  case T_EXACT_NUMBER: return "1.0";
+  case T_APPROX_NUMBER: return "1E0";
+  case T_STRING: return "''";
   case T_ISNOT: return "IS NOT";
   default: break;
   }
+  if (const char* text = operatorText(id)) return text;
   if (id < 128) return std::string(1, static_cast<char>(id));
   return tokenName(id);
 }

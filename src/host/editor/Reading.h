@@ -50,6 +50,9 @@ private:
 /// The name that repair puts in where a name is missing.
 inline constexpr const char* fillName = "zq_velmor_fill";
 
+/// How an operator or punctuation token is written ("<=", "(", ":="); nullptr for any other.
+const char* operatorText(std::uint32_t id);
+
 /// How a token is written when repair puts it in.
 std::string spelling(std::uint32_t id);
 
