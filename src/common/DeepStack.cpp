@@ -2,6 +2,26 @@
 // thread's own stack read once per thread.
 #include "common/DeepStack.h"
 
+#if defined(__EMSCRIPTEN__)
+// WebAssembly has no way to switch the engine's own call stack: walks recurse in place, and the
+// web package bounds the depth with the parser's nesting limit instead.
+namespace velmor::sql::detail {
+namespace {
+thread_local WalkWatch* tWatch = nullptr;
+} // namespace
+
+bool stackIsLow() noexcept { return false; }
+WalkWatch* walkWatch() noexcept { return tWatch; }
+WalkWatch* setWalkWatch(WalkWatch* watch) noexcept {
+  WalkWatch* const previous = tWatch;
+  tWatch = watch;
+  return previous;
+}
+bool walkNeedsCare() noexcept { return tWatch != nullptr; }
+void runOnFreshStack(void (*body)(void*), void* argument) { body(argument); }
+} // namespace velmor::sql::detail
+#else
+
 #include <pthread.h>
 #include <sys/mman.h>
 #include <ucontext.h>
@@ -186,3 +206,5 @@ void runOnFreshStack(void (*body)(void*), void* argument) {
 }
 
 } // namespace velmor::sql::detail
+
+#endif
