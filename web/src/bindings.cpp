@@ -244,6 +244,7 @@ std::string checkDocument(const std::string& text, int handle, const std::string
       Json item = {{"outcome", outcomes[static_cast<int>(result.outcome)]},
                    {"begin", place(statement.begin.line, statement.begin.column, units.unitOf(statement.begin.offset))},
                    {"end", place(statement.end.line, statement.end.column, units.unitOf(statement.end.offset))},
+                   {"text", statement.text},
                    {"faults", std::move(faults)}};
       if (result.outcome == host::StatementCheck::Outcome::SyntaxError) {
         const host::DocumentPlace& at = result.syntaxPlace;
