@@ -47,7 +47,7 @@ using velmor::web::Units;
 
 // The engine's call stack, not memory, bounds how deep a walk may recurse here; this limit
 // keeps every stage of the deepest accepted statement well inside it.
-constexpr std::size_t kNestingLimit = 2000;
+constexpr std::size_t kNestingLimit = 1000;
 
 // Catalogues live here under a number that the package holds; they are read-only once made.
 std::map<int, std::shared_ptr<const host::Catalogue>> gCatalogues;
