@@ -298,7 +298,7 @@ test('catalogues: tables, files, errors and disposal', () => {
   assert.deepEqual(again.tables(), gis.tables());
   assert.equal(vs.catalogueFromJson(vs.gisSampleText()).tables().length, gis.tables().length);
   assert.throws(() => vs.catalogueFromJson('{"tables": [', 'mine.json'), (error) => error instanceof CatalogueError &&
-    error.message.startsWith('mine.json: not valid JSON'));
+    error.message.startsWith('catalogue mine.json: not valid JSON: parse error at line 1, column 13'));
   standard.dispose();
   standard.dispose();
   assert.throws(() => vs.check('SELECT 1', standard), /disposed/);
