@@ -82,8 +82,10 @@ async function main() {
     return {
       from: answer.from,
       to: answer.to,
-      options: answer.candidates.map((candidate) => ({
+      // The library's order (by kind, then by text) is kept: the editor sorts by boost.
+      options: answer.candidates.map((candidate, index) => ({
         label: candidate.text, type: completionType[candidate.kind] ?? 'text', detail: candidate.detail || undefined,
+        boost: Math.max(-99, 99 - index),
       })),
       filter: false,
     };
