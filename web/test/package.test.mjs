@@ -3,7 +3,8 @@
 // errors, catalogues and the nesting limit.
 import { test } from 'node:test';
 import assert from 'node:assert/strict';
-import { readFileSync, readdirSync } from 'node:fs';
+import { execFileSync } from 'node:child_process';
+import { existsSync, readFileSync, readdirSync } from 'node:fs';
 import { join } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { load, SqlSyntaxError, SqlValueError, CatalogueError, SqlFaultError } from '../lib/index.js';
@@ -321,4 +322,13 @@ test('hover answers null or a range inside the text', () => {
     assert.ok(found.from <= found.to && found.to <= text.length);
     assert.equal(typeof found.title, 'string');
   }
+});
+
+test('the TypeScript declarations type the calls as the README shows them', (t) => {
+  const tsc = fileURLToPath(new URL('../node_modules/typescript/bin/tsc', import.meta.url));
+  if (!existsSync(tsc)) {
+    t.skip('typescript is not installed (scripts/web installs it)');
+    return;
+  }
+  execFileSync(process.execPath, [tsc, '-p', fileURLToPath(new URL('..', import.meta.url))], { stdio: 'pipe' });
 });
