@@ -5,6 +5,7 @@
 #include <velmor/sql/host/Catalogue.h>
 #include <velmor/sql/host/CatalogueFile.h>
 #include <velmor/sql/host/Completion.h>
+#include <velmor/sql/host/editor/Editing.h>
 #include <velmor/sql/host/Precedence.h>
 #include <velmor/sql/host/Check.h>
 #include <velmor/sql/host/TypeNames.h>
@@ -405,6 +406,27 @@ sql::FunctionKind kindNamed(const std::string& kind) {
 
 } // namespace
 
+// Code point indexes of a UTF-8 text and the byte offsets where they start.
+class CodePoints {
+public:
+  explicit CodePoints(const std::string& text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) mStarts.push_back(i);
+    }
+    mStarts.push_back(text.size());
+  }
+  /// The byte offset of a code point index, clamped into the text.
+  std::size_t byteOf(py::ssize_t point) const {
+    return mStarts[static_cast<std::size_t>(std::clamp<py::ssize_t>(point, 0, static_cast<py::ssize_t>(mStarts.size() - 1)))];
+  }
+  py::ssize_t pointOf(std::size_t byte) const {
+    return static_cast<py::ssize_t>(std::lower_bound(mStarts.begin(), mStarts.end(), byte) - mStarts.begin());
+  }
+
+private:
+  std::vector<std::size_t> mStarts;
+};
+
 PYBIND11_MODULE(_core, m) {
   m.doc() = "velmor-sql's library: parse, write, check and type SQL of a GIS host.";
   m.def("_set_errors", [](py::object syntax, py::object catalogue) {
@@ -482,32 +504,93 @@ PYBIND11_MODULE(_core, m) {
         for (const auto& name : self.catalogue->functionNames()) names.push_back(host::toUtf8(name));
         return names;
       });
-  // Completion at a cursor. Python counts code points, the kit bytes: both ways are converted
-  // here. The answer is (start, end, [(text, kind, detail), ...]).
+  // The editor services at a cursor. Python counts code points, the kit bytes: both ways are
+  // converted here, and the answers are plain tuples that __init__.py dresses.
   m.def(
       "complete",
       [](const std::string& text, py::ssize_t offset, const PyCatalogue& catalogue) {
+        const CodePoints points(text);
         host::Completion completion;
-        std::vector<std::size_t> starts; // byte offset of each code point, and of the end
         {
           py::gil_scoped_release free;
-          for (std::size_t i = 0; i < text.size(); ++i) {
-            if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) starts.push_back(i);
-          }
-          starts.push_back(text.size());
-          const auto point = static_cast<std::size_t>(std::clamp<py::ssize_t>(
-              offset, 0, static_cast<py::ssize_t>(starts.size() - 1)));
           std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
-          completion = host::complete(text, starts[point], *catalogue.catalogue);
+          completion = host::complete(text, points.byteOf(offset), *catalogue.catalogue);
         }
-        auto pointOf = [&](std::size_t byte) {
-          return static_cast<py::ssize_t>(std::lower_bound(starts.begin(), starts.end(), byte) - starts.begin());
-        };
         py::list candidates;
         for (const auto& candidate : completion.candidates) {
           candidates.append(py::make_tuple(candidate.text, host::candidateKindName(candidate.kind), candidate.detail));
         }
-        return py::make_tuple(pointOf(completion.replaceBegin), pointOf(completion.replaceEnd), candidates);
+        return py::make_tuple(points.pointOf(completion.replaceBegin), points.pointOf(completion.replaceEnd), candidates);
+      },
+      py::arg("text"), py::arg("offset"), py::arg("catalogue"));
+  m.def(
+      "hover",
+      [](const std::string& text, py::ssize_t offset, const PyCatalogue& catalogue) -> py::object {
+        const CodePoints points(text);
+        std::optional<host::Hover> hover;
+        {
+          py::gil_scoped_release free;
+          std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
+          hover = host::hover(text, points.byteOf(offset), *catalogue.catalogue);
+        }
+        if (!hover) return py::none();
+        return py::make_tuple(host::hoverKindName(hover->kind), points.pointOf(hover->range.begin),
+                              points.pointOf(hover->range.end), hover->title, hover->details, hover->type);
+      },
+      py::arg("text"), py::arg("offset"), py::arg("catalogue"));
+  m.def(
+      "signature_help",
+      [](const std::string& text, py::ssize_t offset, const PyCatalogue& catalogue) -> py::object {
+        const CodePoints points(text);
+        std::optional<host::SignatureHelp> help;
+        {
+          py::gil_scoped_release free;
+          std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
+          help = host::signatureHelp(text, points.byteOf(offset), *catalogue.catalogue);
+        }
+        if (!help) return py::none();
+        py::list signatures;
+        for (const auto& signature : help->signatures) {
+          // Parameter places count code points of the label too.
+          const CodePoints label(signature.label);
+          py::list parameters;
+          for (const auto& parameter : signature.parameters) {
+            parameters.append(py::make_tuple(label.pointOf(parameter.begin), label.pointOf(parameter.end)));
+          }
+          signatures.append(py::make_tuple(signature.label, parameters));
+        }
+        return py::make_tuple(help->function, points.pointOf(help->call.begin), points.pointOf(help->call.end),
+                              signatures, help->activeSignature, help->activeParameter);
+      },
+      py::arg("text"), py::arg("offset"), py::arg("catalogue"));
+  m.def(
+      "definition",
+      [](const std::string& text, py::ssize_t offset, const PyCatalogue& catalogue) -> py::object {
+        const CodePoints points(text);
+        std::optional<host::Definition> found;
+        {
+          py::gil_scoped_release free;
+          std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
+          found = host::definition(text, points.byteOf(offset), *catalogue.catalogue);
+        }
+        if (!found) return py::none();
+        return py::make_tuple(points.pointOf(found->origin.begin), points.pointOf(found->origin.end),
+                              points.pointOf(found->target.begin), points.pointOf(found->target.end));
+      },
+      py::arg("text"), py::arg("offset"), py::arg("catalogue"));
+  m.def(
+      "occurrences",
+      [](const std::string& text, py::ssize_t offset, const PyCatalogue& catalogue) {
+        const CodePoints points(text);
+        std::vector<host::TextRange> ranges;
+        {
+          py::gil_scoped_release free;
+          std::shared_lock<std::shared_mutex> reading(*catalogue.lock);
+          ranges = host::occurrences(text, points.byteOf(offset), *catalogue.catalogue);
+        }
+        py::list out;
+        for (const auto& range : ranges) out.append(py::make_tuple(points.pointOf(range.begin), points.pointOf(range.end)));
+        return out;
       },
       py::arg("text"), py::arg("offset"), py::arg("catalogue"));
 }

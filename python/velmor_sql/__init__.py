@@ -243,8 +243,8 @@ class Candidate(NamedTuple):
 
 
 class Completion(NamedTuple):
-    """What ``complete`` offers: ``text[start:end]`` is the half-typed word a choice replaces
-    (empty at the cursor otherwise), then the candidates by kind and text."""
+    """What ``complete`` offers: ``text[start:end]`` is the word under the cursor that a choice
+    replaces (empty where no word is), then the candidates, best first."""
 
     start: int
     end: int
@@ -252,12 +252,84 @@ class Completion(NamedTuple):
 
 
 def complete(text: str, offset: int, catalogue: Catalogue) -> Completion:
-    """What may stand at ``offset`` (a str index; clamped into the text): the keywords and
-    punctuation the grammar accepts there, and where a name may stand, the catalogue's tables,
-    the columns and aliases of the query, and functions. Nothing inside a string or a bracketed
-    name, or after a syntax error. Never raises for any text or offset."""
+    """What may stand at ``offset`` (a str index; clamped into the text) of a text of one or more
+    statements: where a name may stand, the names that standard scoping resolves there (the
+    columns of the nearest query level, then those of the levels around it, output names in
+    ORDER BY, tables after FROM), then functions, keywords and punctuation. Nothing inside a
+    string, a bracketed name or a comment, or after a syntax error. Never raises."""
     start, end, candidates = _core.complete(text, offset, catalogue)
     return Completion(start, end, [Candidate(*candidate) for candidate in candidates])
+
+
+class Hover(NamedTuple):
+    """What the thing under the cursor is: ``kind`` ("column", "table", "function", "expression",
+    "output name"), ``text[start:end]`` the thing, a one-line ``title``, further ``details`` (a
+    table's columns, a function's overloads with the chosen one first) and its ``type``."""
+
+    kind: str
+    start: int
+    end: int
+    title: str
+    details: list[str]
+    type: str
+
+
+def hover(text: str, offset: int, catalogue: Catalogue) -> Hover | None:
+    """What stands at ``offset``, or None on keywords, white space and comments."""
+    found = _core.hover(text, offset, catalogue)
+    return None if found is None else Hover(*found)
+
+
+class Signature(NamedTuple):
+    """One overload as ``label`` ("buffer(Geometry, Double) -> Geometry") and where each of its
+    parameters stands in the label (str slices)."""
+
+    label: str
+    parameters: list[tuple[int, int]]
+
+
+class SignatureHelp(NamedTuple):
+    """The call around the cursor: its function, ``text[start:end]`` the call, its overloads, the
+    one its arguments resolve to and the argument the cursor is in (from 0)."""
+
+    function: str
+    start: int
+    end: int
+    signatures: list[Signature]
+    active_signature: int
+    active_parameter: int
+
+
+def signature_help(text: str, offset: int, catalogue: Catalogue) -> SignatureHelp | None:
+    """Signature help inside the parentheses of a call of a catalogue function, else None."""
+    found = _core.signature_help(text, offset, catalogue)
+    if found is None:
+        return None
+    function, start, end, signatures, active_signature, active_parameter = found
+    return SignatureHelp(function, start, end, [Signature(label, list(parameters)) for label, parameters in signatures],
+                         active_signature, active_parameter)
+
+
+class Definition(NamedTuple):
+    """``text[start:end]`` is the name at the cursor, ``text[target_start:target_end]`` where it
+    is declared."""
+
+    start: int
+    end: int
+    target_start: int
+    target_end: int
+
+
+def definition(text: str, offset: int, catalogue: Catalogue) -> Definition | None:
+    """Where the alias, derived table's column or output name at ``offset`` is declared."""
+    found = _core.definition(text, offset, catalogue)
+    return None if found is None else Definition(*found)
+
+
+def occurrences(text: str, offset: int, catalogue: Catalogue) -> list[tuple[int, int]]:
+    """Every (start, end) in its statement where the alias or output name at ``offset`` is
+    declared or used, in text order; empty for anything else."""
+    return [tuple(pair) for pair in _core.occurrences(text, offset, catalogue)]
 
 
 class Place(NamedTuple):
@@ -339,6 +411,7 @@ def check_many(statements: Iterable[str | Statement], catalogue: Catalogue, *, j
         yield from run()
 
 
-__all__ = ["Candidate", "Catalogue", "CatalogueError", "CheckResult", "Column", "Completion", "Fault", "Place",
+__all__ = ["Candidate", "Catalogue", "CatalogueError", "CheckResult", "Column", "Completion", "Definition", "Fault",
+           "Hover", "Signature", "SignatureHelp", "definition", "hover", "occurrences", "signature_help", "Place",
            "SourceRange", "SqlFault", "SqlSyntaxError", "Statement", "check", "check_many", "columns", "complete",
            "format", "parse", "rename", "split_statements", "tokens", "type_of"]

@@ -79,6 +79,39 @@ class Completion(NamedTuple):
 
 def complete(text: str, offset: int, catalogue: Catalogue) -> Completion: ...
 
+class Hover(NamedTuple):
+    kind: str
+    start: int
+    end: int
+    title: str
+    details: list[str]
+    type: str
+
+def hover(text: str, offset: int, catalogue: Catalogue) -> Hover | None: ...
+
+class Signature(NamedTuple):
+    label: str
+    parameters: list[tuple[int, int]]
+
+class SignatureHelp(NamedTuple):
+    function: str
+    start: int
+    end: int
+    signatures: list[Signature]
+    active_signature: int
+    active_parameter: int
+
+def signature_help(text: str, offset: int, catalogue: Catalogue) -> SignatureHelp | None: ...
+
+class Definition(NamedTuple):
+    start: int
+    end: int
+    target_start: int
+    target_end: int
+
+def definition(text: str, offset: int, catalogue: Catalogue) -> Definition | None: ...
+def occurrences(text: str, offset: int, catalogue: Catalogue) -> list[tuple[int, int]]: ...
+
 class Place(NamedTuple):
     line: int
     column: int

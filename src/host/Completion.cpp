@@ -1,6 +1,10 @@
-// Completion at a cursor: the grammar says which tokens may come next, the tokens around the
-// cursor say which names make sense where a name may come.
+// Completion at a cursor: the grammar says which tokens may come next; where a name may come,
+// the statement is read with a stand-in name at the cursor, and the scopes that standard scoping
+// gives the stand-in say which names make sense there.
 #include <velmor/sql/host/Completion.h>
+
+#include "editor/Names.h"
+#include "editor/Reading.h"
 
 #include <velmor/sql/builder/Keywords.h>
 #include <velmor/sql/host/Catalogue.h>
@@ -11,7 +15,7 @@
 
 #include <algorithm>
 #include <exception>
-#include <map>
+#include <set>
 #include <new>
 #include <optional>
 #include <tuple>
@@ -65,421 +69,360 @@ const char* tokenText(std::uint32_t id, Candidate::Kind& kind) {
   return nullptr;
 }
 
-// A name as it must be written to read back as itself.
-std::string written(const std::wstring& name) { return toUtf8(Keywords::instance().escape(name)); }
+using editor::written;
 
-std::string signatureText(const FunctionInfo& function) {
+std::string signatureText(const Catalogue& catalogue, const FunctionInfo& function) {
   const auto overloads = function.overloads();
   std::string text;
   constexpr std::size_t shown = 3;
   for (std::size_t i = 0; i < overloads.size() && i < shown; ++i) {
-    const OverloadInfo& overload = *overloads[i];
     if (i > 0) text += "; ";
-    text += '(';
-    bool first = true;
-    for (const auto parameter : overload.mParameters) {
-      text += first ? "" : ", ";
-      first = false;
-      text += plainTypeName(parameter);
-    }
-    for (const auto parameter : overload.mOptionalParameters) {
-      text += first ? "[" : " [, ";
-      first = false;
-      text += plainTypeName(parameter) + "]";
-    }
-    if (overload.mVariadic) text += "...";
-    text += ") -> " + plainTypeName(overload.mReturnType);
+    text += editor::overloadLabel(catalogue, {}, *overloads[i]).text;
   }
   if (overloads.size() > shown) text += "; +" + std::to_string(overloads.size() - shown) + " more";
   return text;
 }
 
-// Where a name may stand at the cursor, and which names.
-enum class Role {
-  Nothing,        // a name the statement makes up (an alias), or no name at all
-  Tables,         // a table of the catalogue
-  Qualified,      // a column of the table or alias before the '.'
-  TableColumns,   // a column of one named table: INSERT's column list, UPDATE's SET
-  ScopeColumns,   // bare columns of the query's tables: USING (...)
-  Expression,     // tables and aliases of the query, their columns, functions
-};
-
-// A table or derived table of a FROM clause: the name that qualifies its columns.
-struct Source {
-  std::wstring qualifier;
-  std::shared_ptr<TableInfo> table; // null for a derived table or an unknown one
-  bool alias = false;
-  std::wstring tableName;
-};
-
-class Statement {
-public:
-  Statement(const std::string& text, std::vector<TokenPlace> places, const Catalogue& catalogue)
-      : mText(text), mTokens(std::move(places)), mCatalogue(catalogue) {
-    // For each token the innermost '(' open before it, and each parenthesis's partner.
-    mOpener.resize(mTokens.size() + 1, none);
-    mMatch.resize(mTokens.size(), none);
-    std::vector<std::size_t> open;
-    for (std::size_t i = 0; i < mTokens.size(); ++i) {
-      mOpener[i] = open.empty() ? none : open.back();
-      if (mTokens[i].id == '(') {
-        open.push_back(i);
-      } else if (mTokens[i].id == ')' && !open.empty()) {
-        mMatch[i] = open.back();
-        mMatch[open.back()] = i;
-        open.pop_back();
-      }
-    }
-    mOpener[mTokens.size()] = open.empty() ? none : open.back();
-  }
-
-  std::uint32_t id(std::size_t i) const { return i < mTokens.size() ? mTokens[i].id : T_TERMINATION; }
-
-  std::wstring name(std::size_t i) const {
-    const TokenPlace& token = mTokens[i];
-    std::string bytes = mText.substr(token.begin, token.end - token.begin);
-    if (!bytes.empty() && bytes.front() == '[') bytes = bytes.substr(1, bytes.size() - 2);
-    return fromUtf8(bytes);
-  }
-
-  // The role of a name standing before token k (after the k tokens before it).
-  Role roleAt(std::size_t k, std::wstring& qualifier) const {
-    if (k == 0) return Role::Expression;
-    switch (id(k - 1)) {
-    case '.':
-      if (k < 2 || id(k - 2) != T_IDENTIFIER) return Role::Nothing;
-      qualifier = name(k - 2);
-      return Role::Qualified;
-    case T_FROM:
-    case T_JOIN:
-    case T_UPDATE:
-    case T_INTO:
-    case T_TABLE:
-      return Role::Tables;
-    case T_SET:
-      return updateTable() != none ? Role::TableColumns : Role::Nothing;
-    // After an operand a name can only be an alias.
-    case T_IDENTIFIER:
-    case T_APPROX_NUMBER:
-    case T_EXACT_NUMBER:
-    case T_INTEGER_NUMBER:
-    case T_STRING:
-    case ')':
-    case T_TRUE:
-    case T_FALSE:
-    case T_NULL:
-    case T_UNKNOWN:
-    case T_AS:
-      return Role::Nothing;
-    case '(': {
-      const std::size_t before = k >= 2 ? k - 2 : none;
-      if (before == none) return Role::Expression;
-      if (id(before) == T_USING) return Role::ScopeColumns;
-      if (id(before) == T_IDENTIFIER && before >= 1 && id(before - 1) == T_INTO && id(0) == T_INSERT) {
-        return Role::TableColumns;
-      }
-      std::wstring ignored;
-      // A '(' where a table may stand opens a subquery or a parenthesised join.
-      return roleAt(k - 1, ignored) == Role::Tables ? Role::Tables : Role::Expression;
-    }
-    case ',': {
-      const std::size_t clause = clauseOf(k);
-      if (clause == none) return Role::Expression;
-      switch (id(clause)) {
-      case T_FROM:
-      case T_JOIN:
-      case T_ON:
-      case T_USING:
-        return Role::Tables;
-      case T_SET:
-        return Role::TableColumns;
-      case '(':
-        return roleAt(clause + 1, qualifier);
-      default:
-        return Role::Expression;
-      }
-    }
-    default:
-      return Role::Expression;
-    }
-  }
-
-  // The table that TableColumns means before token k: an INSERT's or UPDATE's.
-  std::shared_ptr<TableInfo> targetTable() const {
-    if (id(0) == T_INSERT && id(1) == T_INTO && id(2) == T_IDENTIFIER) return mCatalogue.table(name(2));
-    const std::size_t update = updateTable();
-    return update == none ? nullptr : mCatalogue.table(name(update));
-  }
-
-  // The tables of the query whose level holds the position before token k.
-  std::vector<Source> scopeAt(std::size_t k) const {
-    std::size_t group = mOpener[std::min(k, mTokens.size())];
-    for (;;) {
-      const std::size_t low = group == none ? 0 : group + 1;
-      std::size_t select = none;
-      for (std::size_t j = k; j > low; --j) {
-        if (mOpener[j - 1] == group && id(j - 1) == T_SELECT) {
-          select = j - 1;
-          break;
-        }
-      }
-      if (select != none) return fromClause(fromOf(select, group));
-      if (group == none) break;
-      group = mOpener[group];
-    }
-    // Outside any query: the table of an UPDATE or a DELETE.
-    std::vector<Source> sources;
-    const std::size_t update = updateTable();
-    if (update != none) {
-      sources.push_back({name(update), mCatalogue.table(name(update)), false, name(update)});
-    } else if (id(0) == T_DELETE && id(1) == T_FROM) {
-      return fromClause(1);
-    }
-    return sources;
-  }
-
-private:
-  std::size_t updateTable() const { return id(0) == T_UPDATE && id(1) == T_IDENTIFIER ? 1 : none; }
-
-  static bool isClauseKeyword(std::uint32_t id) {
-    switch (id) {
-    case T_SELECT: case T_FROM: case T_WHERE: case T_GROUP: case T_GROUPBY: case T_HAVING: case T_ORDER:
-    case T_ORDERBY: case T_LIMIT: case T_OFFSET: case T_SET: case T_VALUES: case T_ON: case T_USING:
-    case T_JOIN: case T_INTO: case T_UPDATE: case T_DELETE: case T_INSERT:
-      return true;
-    default:
-      return false;
-    }
-  }
-
-  // The nearest clause keyword before token k on its level of parentheses, or the '(' that opens
-  // the level; none at the top level without one.
-  std::size_t clauseOf(std::size_t k) const {
-    const std::size_t group = mOpener[std::min(k, mTokens.size())];
-    for (std::size_t j = k; j > 0; --j) {
-      const std::size_t i = j - 1;
-      if (i == group) return i;
-      if (mOpener[i] == group && isClauseKeyword(id(i))) return i;
-    }
-    return none;
-  }
-
-  // The FROM of the query that starts at `select` on the level of `group`; none without one.
-  std::size_t fromOf(std::size_t select, std::size_t group) const {
-    for (std::size_t i = select + 1; i < mTokens.size(); ++i) {
-      if (mOpener[i] != group) {
-        if (group != none && mMatch[group] != none && i > mMatch[group]) break;
-        continue;
-      }
-      const std::uint32_t t = id(i);
-      if (t == T_FROM) return i;
-      if (t == T_SELECT || t == T_UNION || t == T_EXCEPT || t == T_INTERSECT || t == ')') break;
-    }
-    return none;
-  }
-
-  static bool endsFromClause(std::uint32_t id) {
-    switch (id) {
-    case T_WHERE: case T_GROUP: case T_GROUPBY: case T_HAVING: case T_ORDER: case T_ORDERBY: case T_LIMIT:
-    case T_OFFSET: case T_INTO: case T_UNION: case T_EXCEPT: case T_INTERSECT: case T_SELECT: case ')':
-      return true;
-    default:
-      return false;
-    }
-  }
-
-  // An alias at token i (after AS or alone); empty without one. Moves i past it.
-  std::wstring aliasAt(std::size_t& i) const {
-    if (id(i) == T_AS) ++i;
-    if (id(i) != T_IDENTIFIER) return {};
-    return name(i++);
-  }
-
-  std::vector<Source> fromClause(std::size_t from) const {
-    std::vector<Source> sources;
-    if (from == none) return sources;
-    int joinParentheses = 0;
-    bool tableNext = true;
-    std::size_t i = from + 1;
-    while (i < mTokens.size()) {
-      const std::uint32_t t = id(i);
-      if (joinParentheses == 0 && endsFromClause(t)) break;
-      if (t == '(') {
-        const std::uint32_t next = id(i + 1);
-        if (tableNext && next != T_SELECT && next != T_VALUES && next != T_TABLE) {
-          ++joinParentheses;
-          ++i;
-          continue;
-        }
-        // A subquery, or parentheses of a condition: nothing in them names a table here.
-        i = mMatch[i] == none ? mTokens.size() : mMatch[i] + 1;
-        if (tableNext) {
-          std::wstring alias = aliasAt(i);
-          if (!alias.empty()) sources.push_back({alias, nullptr, true, {}});
-          tableNext = false;
-        }
-        continue;
-      }
-      ++i;
-      if (t == ')') {
-        --joinParentheses;
-        tableNext = false;
-      } else if (t == ',' || t == T_JOIN) {
-        tableNext = true;
-      } else if (t == T_IDENTIFIER && tableNext) {
-        const std::wstring table = name(i - 1);
-        std::wstring alias = aliasAt(i);
-        const bool hasAlias = !alias.empty();
-        sources.push_back({hasAlias ? std::move(alias) : table, mCatalogue.table(table), hasAlias, table});
-        tableNext = false;
-      }
-    }
-    return sources;
-  }
-
-  const std::string& mText;
-  std::vector<TokenPlace> mTokens;
-  const Catalogue& mCatalogue;
-  std::vector<std::size_t> mOpener;
-  std::vector<std::size_t> mMatch;
-};
-
+// Candidates in the order they are added, each (kind, text) once, filtered by the typed word.
 class Collector {
 public:
   explicit Collector(const std::string& word) : mWord(normalized(fromUtf8(word))) {}
 
-  void add(Candidate::Kind kind, const std::string& text, std::string detail = {}) {
-    const std::wstring key = normalized(fromUtf8(text));
-    if (key.compare(0, mWord.size(), mWord) != 0) return;
-    mCandidates.emplace(std::make_tuple(kind, key, text), std::move(detail));
+  bool wanted(const std::string& text) const {
+    return normalized(fromUtf8(text)).compare(0, mWord.size(), mWord) == 0;
   }
 
-  std::vector<Candidate> take() {
-    std::vector<Candidate> out;
-    out.reserve(mCandidates.size());
-    for (auto& [key, detail] : mCandidates) out.push_back({std::get<2>(key), std::get<0>(key), std::move(detail)});
-    return out;
+  void add(Candidate::Kind kind, const std::string& text, std::string detail = {}) {
+    if (!wanted(text)) return;
+    if (!mSeen.emplace(kind, text).second) return;
+    mCandidates.push_back({text, kind, std::move(detail)});
   }
+
+  std::vector<Candidate> take() { return std::move(mCandidates); }
 
 private:
   std::wstring mWord;
-  std::map<std::tuple<Candidate::Kind, std::wstring, std::string>, std::string> mCandidates;
+  std::set<std::pair<Candidate::Kind, std::string>> mSeen;
+  std::vector<Candidate> mCandidates;
 };
 
-void addColumns(Collector& out, const TableInfo& table, const std::wstring& qualifier) {
-  for (std::size_t i = 0; i < table.columnCount(); ++i) {
-    const ColumnInfo column = table.columnByIndex(i);
-    for (const auto& name : column.names()) {
-      const std::string text = qualifier.empty() ? written(name) : written(qualifier) + "." + written(name);
-      out.add(Candidate::Kind::Column, text, typeText(column.type()));
+// Where the stand-in name stands, and so which names may replace it.
+enum class Role {
+  Nothing,      // a name the statement makes up (an alias), or the stand-in was mended away
+  Tables,       // a table of the catalogue
+  Functions,    // a function's name before its '('
+  Value,        // an expression: columns of every level, aliases, functions
+  Qualified,    // a column of the qualifier before the '.'
+  Qualifier,    // a table or alias before a '.'
+  TableColumns, // a column of one named table: INSERT's column list, UPDATE's SET
+  Using,        // a column that both sides of a join have
+};
+
+struct Place {
+  Role role = Role::Nothing;
+  ast::Node node;
+  std::wstring name; // the qualifier, or the table of TableColumns
+};
+
+Place findPlace(const ast::Node& tree, const std::wstring& standIn) {
+  const std::wstring key = normalized(standIn);
+  auto is = [&](const std::wstring& name) { return !name.empty() && normalized(name) == key; };
+  Place place;
+  bool found = false;
+  editor::forEachNode(tree, [&](const ast::Node& node) {
+    if (found) return;
+    Place here{Role::Nothing, node, {}};
+    if (ast::nodeIs<ast::ColumnReference>(node)) {
+      const auto& reference = ast::getNodeValue<ast::ColumnReference>(node);
+      if (is(reference.column)) {
+        here.role = reference.table.empty() ? Role::Value : Role::Qualified;
+        here.name = reference.table;
+      } else if (is(reference.table)) {
+        here.role = Role::Qualifier;
+      } else {
+        return;
+      }
+    } else if (ast::nodeIs<ast::QualifiedAsterisk>(node)) {
+      if (!is(ast::getNodeValue<ast::QualifiedAsterisk>(node).table)) return;
+      here.role = Role::Qualifier;
+    } else if (ast::nodeIs<ast::Function>(node)) {
+      if (!is(ast::getNodeValue<ast::Function>(node).name)) return;
+      here.role = Role::Functions;
+    } else if (ast::nodeIs<ast::TablePrimary>(node)) {
+      const auto& primary = ast::getNodeValue<ast::TablePrimary>(node);
+      if (is(primary.table)) here.role = Role::Tables;
+      else if (!is(primary.alias)) return;
+    } else if (ast::nodeIs<ast::ExplicitTable>(node)) {
+      if (!is(ast::getNodeValue<ast::ExplicitTable>(node).table)) return;
+      here.role = Role::Tables;
+    } else if (ast::nodeIs<ast::DerivedTable>(node)) {
+      if (!is(ast::getNodeValue<ast::DerivedTable>(node).alias)) return;
+    } else if (ast::nodeIs<ast::DerivedColumn>(node)) {
+      if (!is(ast::getNodeValue<ast::DerivedColumn>(node).alias)) return;
+    } else if (ast::nodeIs<ast::UpdateStatement>(node)) {
+      const auto& update = ast::getNodeValue<ast::UpdateStatement>(node);
+      if (is(update.table)) {
+        here.role = Role::Tables;
+      } else {
+        bool set = false;
+        for (const ast::SetClause& clause : update.clauses) set = set || is(clause.column);
+        if (!set) return;
+        here.role = Role::TableColumns;
+        here.name = update.table;
+      }
+    } else if (ast::nodeIs<ast::InsertStatement>(node)) {
+      const auto& insert = ast::getNodeValue<ast::InsertStatement>(node);
+      if (is(insert.table)) {
+        here.role = Role::Tables;
+      } else {
+        bool listed = false;
+        for (const std::wstring& column : insert.source.columns) listed = listed || is(column);
+        if (!listed) return;
+        here.role = Role::TableColumns;
+        here.name = insert.table;
+      }
+    } else if (ast::nodeIs<ast::DeleteStatement>(node)) {
+      if (!is(ast::getNodeValue<ast::DeleteStatement>(node).table)) return;
+      here.role = Role::Tables;
+    } else if (ast::nodeIs<ast::JoinNode>(node)) {
+      const ast::Node& specification = ast::getNodeValue<ast::JoinNode>(node).specification;
+      if (!ast::nodeIs<ast::NamedColumnsJoin>(specification)) return;
+      bool listed = false;
+      for (const std::wstring& column : ast::getNodeValue<ast::NamedColumnsJoin>(specification).columns) {
+        listed = listed || is(column);
+      }
+      if (!listed) return;
+      here.role = Role::Using;
+    } else {
+      return;
+    }
+    place = std::move(here);
+    found = true;
+  });
+  return place;
+}
+
+void addFunctions(Collector& out, const Catalogue& catalogue) {
+  for (const auto& name : catalogue.functionNames()) {
+    const std::string text = written(name);
+    if (!out.wanted(text)) continue;
+    const auto function = catalogue.function(name);
+    out.add(Candidate::Kind::Function, text, function ? signatureText(catalogue, *function) : std::string());
+  }
+}
+
+// A column offered bare where the bare name means it at the cursor, else qualified where that
+// does; never where neither does.
+void addColumn(Collector& out, const Catalogue& catalogue, const ScopeAt& at, const ColumnInfo& column,
+               const std::wstring& qualifier) {
+  auto means = [&](const std::wstring& table, const std::wstring& name) {
+    try {
+      return editor::sameColumn(at.scope->columnInfo(table, name), column);
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (...) {
+      return false; // ambiguous, or a qualifier the cursor cannot see
+    }
+  };
+  const std::string detail = catalogue.typeName(column.type());
+  for (const std::wstring& name : column.names()) {
+    if (means({}, name)) {
+      out.add(Candidate::Kind::Column, written(name), detail);
+    } else if (!qualifier.empty() && means(qualifier, name)) {
+      out.add(Candidate::Kind::Column, written(qualifier) + "." + written(name), detail);
     }
   }
 }
 
-void addNames(Collector& out, Role role, const std::wstring& qualifier, const Statement& statement,
-              std::size_t k, const Catalogue& catalogue) {
-  switch (role) {
+std::vector<ColumnInfo> columnsOf(const DeclaredName& name) {
+  std::vector<ColumnInfo> columns;
+  if (!name.columns) return columns;
+  for (const AsteriskColumn& pair : name.columns->columnsForAsterisk({})) {
+    ColumnInfo column = name.columns->columnInfo({}, pair.second);
+    if (!column.isNull()) columns.push_back(std::move(column));
+  }
+  return columns;
+}
+
+void addQualifiers(Collector& out, const Catalogue& catalogue, const ScopeAt& at) {
+  for (const ScopeLevel& level : at.levels) {
+    for (const DeclaredName& name : level.names) {
+      // A name hidden by a nearer level's is not offered.
+      if (name.name.empty() || editor::isFill(name.name) || editor::declaredName(at.levels, name.name) != &name) continue;
+      if (ast::nodeIs<ast::TablePrimary>(name.declaration)) {
+        const auto& primary = ast::getNodeValue<ast::TablePrimary>(name.declaration);
+        if (primary.alias.empty()) out.add(Candidate::Kind::Table, written(name.name));
+        else out.add(Candidate::Kind::Alias, written(name.name), toUtf8(primary.table));
+      } else if (ast::nodeIs<ast::DerivedTable>(name.declaration)) {
+        out.add(Candidate::Kind::Alias, written(name.name), "derived table");
+      } else {
+        out.add(Candidate::Kind::Table, written(name.name));
+      }
+    }
+  }
+  (void)catalogue;
+}
+
+// The catalogue tables that a side of a join names.
+std::vector<std::shared_ptr<TableInfo>> tablesOf(const ast::Node& side, const Catalogue& catalogue) {
+  std::vector<std::shared_ptr<TableInfo>> tables;
+  editor::forEachNode(side, [&](const ast::Node& node) {
+    if (!ast::nodeIs<ast::TablePrimary>(node)) return;
+    if (auto table = catalogue.table(ast::getNodeValue<ast::TablePrimary>(node).table)) tables.push_back(std::move(table));
+  });
+  return tables;
+}
+
+void addUsingColumns(Collector& out, const Catalogue& catalogue, const ast::JoinNode& join) {
+  const auto left = tablesOf(join.left, catalogue);
+  const auto right = tablesOf(join.right, catalogue);
+  for (const auto& table : left) {
+    for (std::size_t i = 0; i < table->columnCount(); ++i) {
+      const ColumnInfo column = table->columnByIndex(i);
+      const std::wstring& name = column.canonicalName();
+      const bool shared = std::any_of(right.begin(), right.end(), [&](const auto& other) { return other->hasColumn(name); });
+      if (shared) out.add(Candidate::Kind::Column, written(name), catalogue.typeName(column.type()));
+    }
+  }
+}
+
+void addNames(Collector& out, const std::string& text, std::size_t wordBegin, std::size_t wordEnd,
+              const Catalogue& catalogue) {
+  // A stand-in that the statement does not hold already.
+  std::string standIn = "zq_velmor_cursor";
+  while (normalized(fromUtf8(text)).find(normalized(fromUtf8(standIn))) != std::wstring::npos) standIn += '_';
+  const auto reading = editor::Reading::read(text, wordBegin, wordEnd, standIn);
+  if (!reading) return;
+  const Place place = findPlace(reading->tree(), fromUtf8(standIn));
+  switch (place.role) {
   case Role::Nothing:
     return;
   case Role::Tables:
     for (const auto& table : catalogue.tableNames()) out.add(Candidate::Kind::Table, written(table));
     return;
-  case Role::Qualified: {
-    std::shared_ptr<TableInfo> table;
-    bool known = false;
-    for (const auto& source : statement.scopeAt(k)) {
-      if (normalized(source.qualifier) == normalized(qualifier)) {
-        table = source.table;
-        known = true;
-        break;
-      }
-    }
-    if (!known) table = catalogue.table(qualifier);
-    if (table) addColumns(out, *table, {});
+  case Role::Functions:
+    addFunctions(out, catalogue);
     return;
-  }
   case Role::TableColumns:
-    if (const auto table = statement.targetTable()) addColumns(out, *table, {});
-    return;
-  case Role::ScopeColumns:
-  case Role::Expression:
-    break;
-  }
-
-  const std::vector<Source> sources = statement.scopeAt(k);
-  // A column name that two tables share is offered qualified only.
-  std::map<std::wstring, int> uses;
-  for (const auto& source : sources) {
-    if (!source.table) continue;
-    for (std::size_t i = 0; i < source.table->columnCount(); ++i) {
-      for (const auto& name : source.table->columnByIndex(i).names()) ++uses[normalized(name)];
-    }
-  }
-  for (const auto& source : sources) {
-    if (role == Role::Expression) {
-      out.add(source.alias ? Candidate::Kind::Alias : Candidate::Kind::Table, written(source.qualifier),
-              source.alias ? toUtf8(source.tableName) : std::string());
-    }
-    if (!source.table) continue;
-    for (std::size_t i = 0; i < source.table->columnCount(); ++i) {
-      const ColumnInfo column = source.table->columnByIndex(i);
-      for (const auto& name : column.names()) {
-        const bool shared = uses[normalized(name)] > 1;
-        if (shared && role == Role::ScopeColumns) {
-          out.add(Candidate::Kind::Column, written(name), typeText(column.type()));
-        } else {
-          out.add(Candidate::Kind::Column, shared ? written(source.qualifier) + "." + written(name) : written(name),
-                  typeText(column.type()));
+    if (const auto table = catalogue.table(place.name)) {
+      for (std::size_t i = 0; i < table->columnCount(); ++i) {
+        const ColumnInfo column = table->columnByIndex(i);
+        for (const auto& name : column.names()) {
+          out.add(Candidate::Kind::Column, written(name), catalogue.typeName(column.type()));
         }
       }
     }
+    return;
+  case Role::Using:
+    addUsingColumns(out, catalogue, ast::getNodeValue<ast::JoinNode>(place.node));
+    return;
+  case Role::Value:
+  case Role::Qualified:
+  case Role::Qualifier:
+    break;
   }
-  if (role == Role::Expression) {
-    for (const auto& name : catalogue.functionNames()) {
-      const auto function = catalogue.function(name);
-      out.add(Candidate::Kind::Function, written(name), function ? signatureText(*function) : std::string());
+  const auto scopes = scopesAt(catalogue, catalogue, reading->tree(), {place.node});
+  if (!scopes.front()) {
+    if (place.role == Role::Value) addFunctions(out, catalogue);
+    return;
+  }
+  const ScopeAt& at = *scopes.front();
+  if (place.role == Role::Qualifier) {
+    addQualifiers(out, catalogue, at);
+    return;
+  }
+  if (place.role == Role::Qualified) {
+    const DeclaredName* name = editor::declaredName(at.levels, place.name);
+    if (!name) return;
+    for (const ColumnInfo& column : columnsOf(*name)) {
+      for (const std::wstring& bare : column.names()) {
+        bool means = false;
+        try {
+          means = editor::sameColumn(at.scope->columnInfo(place.name, bare), column);
+        } catch (const std::bad_alloc&) {
+          throw;
+        } catch (...) {
+        }
+        if (means) out.add(Candidate::Kind::Column, written(bare), catalogue.typeName(column.type()));
+      }
+    }
+    return;
+  }
+  // A value: the output names where they come first, then each level's columns and names from
+  // the nearest outward, then the functions.
+  if (!at.levels.empty() && at.levels.front().outputFirst) {
+    for (const ColumnInfo& column : at.levels.front().output) addColumn(out, catalogue, at, column, {});
+  }
+  for (const ScopeLevel& level : at.levels) {
+    for (const DeclaredName& name : level.names) {
+      for (const ColumnInfo& column : columnsOf(name)) addColumn(out, catalogue, at, column, name.name);
+    }
+    for (const DeclaredName& name : level.names) {
+      if (name.name.empty() || editor::isFill(name.name) || editor::declaredName(at.levels, name.name) != &name) continue;
+      if (ast::nodeIs<ast::TablePrimary>(name.declaration) &&
+          !ast::getNodeValue<ast::TablePrimary>(name.declaration).alias.empty()) {
+        out.add(Candidate::Kind::Alias, written(name.name),
+                toUtf8(ast::getNodeValue<ast::TablePrimary>(name.declaration).table));
+      } else if (ast::nodeIs<ast::DerivedTable>(name.declaration)) {
+        out.add(Candidate::Kind::Alias, written(name.name), "derived table");
+      } else {
+        out.add(Candidate::Kind::Table, written(name.name));
+      }
     }
   }
+  addFunctions(out, catalogue);
 }
 
-Completion completeOrThrow(const std::string& text, std::size_t offset, const Catalogue& catalogue) {
+Completion completeOrThrow(const std::string& document, std::size_t offset, const Catalogue& catalogue) {
   Completion answer;
-  offset = std::min(offset, text.size());
-  while (offset > 0 && offset < text.size() && (static_cast<unsigned char>(text[offset]) & 0xC0) == 0x80) --offset;
+  offset = std::min(offset, document.size());
+  while (offset > 0 && offset < document.size() && (static_cast<unsigned char>(document[offset]) & 0xC0) == 0x80) {
+    --offset;
+  }
   answer.replaceBegin = answer.replaceEnd = offset;
+  const editor::Segment segment = editor::segmentAt(document, offset);
+  if (segment.inComment) return answer;
+  const std::string& text = segment.text;
+  const std::size_t cursor = offset - segment.begin;
 
   // Where the scanner passes over bytes without a token, the cursor may stand in a string or a
   // name that never closes; nothing is offered there or right behind such bytes.
-  std::vector<TokenPlace> places = tokenPlaces(text);
+  const auto scanned = tryTokenPlaces(text);
+  if (!scanned) return answer; // a lexeme longer than the scanner's window
+  const std::vector<TokenPlace>& places = *scanned;
   std::size_t k = 0;
-  while (k < places.size() && places[k].end <= offset) ++k;
-  std::size_t wordBegin = offset;
+  while (k < places.size() && places[k].end <= cursor) ++k;
   auto wordLike = [&](const TokenPlace& token) {
     if (!startsWord(static_cast<unsigned char>(text[token.begin]))) return false;
-    for (std::size_t i = token.begin; i < offset; ++i) {
+    for (std::size_t i = token.begin; i < token.end; ++i) {
       if (!isWordByte(static_cast<unsigned char>(text[i]))) return false;
     }
     return true;
   };
-  if (k < places.size() && places[k].begin < offset) {
+  std::size_t wordBegin = cursor;
+  std::size_t wordEnd = cursor;
+  if (k < places.size() && places[k].begin < cursor) {
     // Inside a token: only a word may be completed from its middle.
     if (!wordLike(places[k])) return answer;
     wordBegin = places[k].begin;
-  } else if (k > 0 && places[k - 1].end == offset && wordLike(places[k - 1])) {
+    wordEnd = places[k].end;
+  } else if (k > 0 && places[k - 1].end == cursor && wordLike(places[k - 1])) {
     --k;
     wordBegin = places[k].begin;
+    wordEnd = places[k].end;
+  } else if (k < places.size() && places[k].begin == cursor && wordLike(places[k])) {
+    // At a word's first byte: the whole word is replaced.
+    wordEnd = places[k].end;
   }
   for (const SkippedText& skipped : skippedText(text)) {
-    if (skipped.offset >= offset) break;
-    if (skipped.kind == SkippedText::Kind::AfterNul) {
-      if (skipped.offset < offset) return answer;
-      continue;
-    }
+    if (skipped.offset >= cursor) break;
+    if (skipped.kind == SkippedText::Kind::AfterNul) return answer;
     const char first = text[skipped.offset];
     const std::size_t end = skipped.offset + skipped.length;
-    if (first == '\'' || first == '"' || (skipped.offset < offset && end > offset) || end == wordBegin) return answer;
+    if (first == '\'' || first == '"' || end > cursor || end == wordBegin) return answer;
   }
-  answer.replaceBegin = wordBegin;
+  answer.replaceBegin = segment.begin + wordBegin;
+  answer.replaceEnd = segment.begin + wordEnd;
 
   std::vector<std::uint32_t> ids;
   ids.reserve(k);
@@ -487,26 +430,26 @@ Completion completeOrThrow(const std::string& text, std::size_t offset, const Ca
   const auto accepted = tokensAcceptedAfter(ids);
   if (!accepted) return answer;
 
-  Collector out(text.substr(wordBegin, offset - wordBegin));
-  const bool word = wordBegin != offset;
-  bool nameAccepted = false;
+  Collector out(text.substr(wordBegin, cursor - wordBegin));
+  const bool word = wordBegin != cursor;
+  if (std::find(accepted->begin(), accepted->end(), std::uint32_t{T_IDENTIFIER}) != accepted->end()) {
+    addNames(out, text, wordBegin, wordEnd, catalogue);
+  }
+  std::vector<std::string> keywords;
+  std::vector<std::string> punctuation;
   for (const std::uint32_t id : *accepted) {
-    if (id == T_IDENTIFIER) nameAccepted = true;
     if (id == T_TERMINATION || carriesText(id)) continue;
     Candidate::Kind kind = Candidate::Kind::Keyword;
     const char* shown = tokenText(id, kind);
     if (kind == Candidate::Kind::Punctuation) {
-      if (!word) out.add(kind, shown);
+      if (!word) punctuation.emplace_back(shown);
     } else {
-      out.add(kind, shown ? std::string(shown) : tokenName(id));
+      keywords.push_back(shown ? std::string(shown) : tokenName(id));
     }
   }
-  if (nameAccepted) {
-    const Statement statement(text, std::move(places), catalogue);
-    std::wstring qualifier;
-    const Role role = statement.roleAt(k, qualifier);
-    addNames(out, role, qualifier, statement, k, catalogue);
-  }
+  std::sort(keywords.begin(), keywords.end());
+  for (const std::string& keyword : keywords) out.add(Candidate::Kind::Keyword, keyword);
+  for (const std::string& mark : punctuation) out.add(Candidate::Kind::Punctuation, mark);
   answer.candidates = out.take();
   return answer;
 }

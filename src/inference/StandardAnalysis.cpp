@@ -315,6 +315,7 @@ void StandardAnalysis::reportFaultAt(const SqlError& error, const ast::Node& nod
 }
 
 std::shared_ptr<Type> StandardAnalysis::typeIn(const LevelScope& level, const ast::Node& expression) {
+  if (mObserver) mObserver->typing(expression, level);
   TypeInferer inferer(mGlobal, level);
   inferer.setQueryAnalysis(this);
   return inferer.inferNodeType(expression);
@@ -391,37 +392,43 @@ StandardAnalysis::Columns StandardAnalysis::checkQueryHere(const ast::Node& quer
 // ---------------------------------------------------------------------------------------------
 // FROM.
 
-std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node& reference, LevelScope& level,
-                                                                  std::vector<TableName>& names) {
+std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node& reference, LevelScope& level) {
   if (ast::nodeIs<ast::TablePrimary>(reference)) {
     const auto& primary = ast::getNodeValue<ast::TablePrimary>(reference);
     const std::wstring& name = primary.alias.empty() ? primary.table : primary.alias;
-    names.push_back({normalized(name), name, reference});
+    level.m_names.push_back({normalized(name), name, reference, nullptr});
     std::shared_ptr<TableInfo> info = mTables.table(primary.table);
     if (!info) {
       fault(NonExistentTable(primary.table), &reference);
       level.m_incomplete = true;
       level.m_failed.push_back(normalized(name));
+      if (mObserver) mObserver->declared(reference, level);
       return nullptr;
     }
-    return std::make_shared<TableInfoScope>(ast::TablePrimary{name, {}}, std::move(info));
+    auto scope = std::make_shared<TableInfoScope>(ast::TablePrimary{name, {}}, std::move(info));
+    level.m_names.back().scope = scope;
+    if (mObserver) mObserver->declared(reference, level);
+    return scope;
   }
   if (ast::nodeIs<ast::DerivedTable>(reference)) {
     const auto& derived = ast::getNodeValue<ast::DerivedTable>(reference);
-    names.push_back({normalized(derived.alias), derived.alias, reference});
     // A derived table sees the levels around its query, not the tables beside it.
     Columns columns = checkQuery(derived.query, level.m_parent);
     if (!columns.complete) {
       level.m_incomplete = true;
       level.m_failed.push_back(normalized(derived.alias));
     }
-    return std::make_shared<TableInfoScope>(ast::TablePrimary{derived.alias, {}},
-                                            std::make_shared<GenericTableInfo>(columns.columns));
+    auto scope = std::make_shared<TableInfoScope>(ast::TablePrimary{derived.alias, {}},
+                                                  std::make_shared<GenericTableInfo>(columns.columns));
+    level.m_names.push_back({normalized(derived.alias), derived.alias, reference, scope});
+    if (mObserver) mObserver->declared(reference, level);
+    return scope;
   }
   if (ast::nodeIs<ast::JoinNode>(reference)) {
     const auto& join = ast::getNodeValue<ast::JoinNode>(reference);
-    std::shared_ptr<ColumnInfoScope> left = fromReference(join.left, level, names);
-    std::shared_ptr<ColumnInfoScope> right = fromReference(join.right, level, names);
+    const std::size_t firstName = level.m_names.size();
+    std::shared_ptr<ColumnInfoScope> left = fromReference(join.left, level);
+    std::shared_ptr<ColumnInfoScope> right = fromReference(join.right, level);
     if (!left || !right) {
       // An unknown side: its columns are unknown, and so is what the condition means.
       return left ? left : right;
@@ -454,6 +461,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
       on.m_local = scope;
       on.m_incomplete = level.m_incomplete;
       on.m_failed = level.m_failed;
+      if (mObserver) on.m_names.assign(level.m_names.begin() + static_cast<std::ptrdiff_t>(firstName), level.m_names.end());
       const ast::Node& condition = ast::getNodeValue<ast::JoinCondition>(join.specification).condition;
       part([&] { typeIn(on, condition); });
       checkAggregates(condition);
@@ -463,7 +471,9 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
   // Anything else in a FROM (a bare query) is read as a derived table without a name.
   Columns columns = checkQuery(reference, level.m_parent);
   if (!columns.complete) level.m_incomplete = true;
-  return std::make_shared<TableInfoScope>(ast::TablePrimary{}, std::make_shared<GenericTableInfo>(columns.columns));
+  auto scope = std::make_shared<TableInfoScope>(ast::TablePrimary{}, std::make_shared<GenericTableInfo>(columns.columns));
+  level.m_names.push_back({{}, {}, reference, scope});
+  return scope;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -515,11 +525,11 @@ StandardAnalysis::Columns StandardAnalysis::checkSpecification(const ast::QueryS
                                                               const LevelScope* outer) {
   LevelScope level(outer);
 
-  std::vector<TableName> names;
   std::vector<std::shared_ptr<ColumnInfoScope>> scopes;
   for (const ast::QueryExpressionNode& reference : query.from) {
-    if (auto scope = fromReference(reference, level, names)) scopes.push_back(std::move(scope));
+    if (auto scope = fromReference(reference, level)) scopes.push_back(std::move(scope));
   }
+  const std::vector<LevelScope::Declared>& names = level.m_names;
   if (scopes.size() == 1) {
     level.m_local = std::move(scopes.front());
   } else if (!scopes.empty()) {
@@ -736,6 +746,7 @@ void StandardAnalysis::checkUpdate(const ast::UpdateStatement& update, const ast
   }
   LevelScope level(outer);
   level.m_local = std::make_shared<TableInfoScope>(ast::TablePrimary{update.table, {}}, info);
+  level.m_names.push_back({normalized(update.table), update.table, node, level.m_local});
   if (!update.where.isNull()) {
     part([&] { typeIn(level, update.where); });
     checkAggregates(update.where);
@@ -819,6 +830,7 @@ void StandardAnalysis::checkDelete(const ast::DeleteStatement& statement, const 
   }
   LevelScope level(outer);
   level.m_local = std::make_shared<TableInfoScope>(ast::TablePrimary{statement.table, {}}, std::move(info));
+  level.m_names.push_back({normalized(statement.table), statement.table, node, level.m_local});
   if (!statement.where.isNull()) {
     part([&] { typeIn(level, statement.where); });
     checkAggregates(statement.where);

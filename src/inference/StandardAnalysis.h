@@ -32,6 +32,14 @@ class LevelScope final : public ColumnInfoScope {
 public:
   enum class Output { None, First, Last };
 
+  /// A name that the level's FROM declares.
+  struct Declared {
+    std::wstring key;     ///< normalized, empty for a bare query
+    std::wstring written;
+    ast::Node node;
+    std::shared_ptr<ColumnInfoScope> scope; ///< null when not known
+  };
+
   explicit LevelScope(const LevelScope* parent) : m_parent(parent) {}
 
   ColumnInfo columnInfo(const std::wstring& table, const std::wstring& column) const override;
@@ -47,11 +55,22 @@ public:
   Output m_outputUse = Output::None;
   bool m_incomplete = false;                 ///< a part of the FROM is not known
   std::vector<std::wstring> m_failed;        ///< normalized names of the unknown parts
+  std::vector<Declared> m_names;             ///< the FROM's names in the order of the text
   const LevelScope* m_parent;
 
 protected:
   AsteriskColumns columnsForAsterisk_impl(const std::wstring& table) const override;
   AsteriskColumns columnsForAsterisk_impl() const override;
+};
+
+/// Watches an analysis: where each expression is typed and each FROM item declared.
+class AnalysisObserver {
+public:
+  virtual ~AnalysisObserver() = default;
+  /// `expression` is about to be typed in `level`.
+  virtual void typing(const ast::Node& expression, const LevelScope& level) = 0;
+  /// `item` (a table or a derived table of a FROM) now stands in `level`'s names.
+  virtual void declared(const ast::Node& item, const LevelScope& level) = 0;
 };
 
 /// The analysis behind Scoping::Standard.
@@ -76,6 +95,9 @@ public:
   };
   Columns checkQuery(const ast::Node& query, const LevelScope* outer);
 
+  /// Borrowed; null for none.
+  void setObserver(AnalysisObserver* observer) noexcept { mObserver = observer; }
+
 private:
   Columns checkQueryHere(const ast::Node& query, const LevelScope* outer);
   Columns checkSpecification(const ast::QuerySpecification& query, const LevelScope* outer);
@@ -86,13 +108,7 @@ private:
   void checkInsert(const ast::InsertStatement& insert, const ast::Node& node, const LevelScope* outer);
   void checkDelete(const ast::DeleteStatement& statement, const ast::Node& node, const LevelScope* outer);
 
-  struct TableName {
-    std::wstring key;
-    std::wstring written;
-    ast::Node node;
-  };
-  std::shared_ptr<ColumnInfoScope> fromReference(const ast::Node& reference, LevelScope& level,
-                                                 std::vector<TableName>& names);
+  std::shared_ptr<ColumnInfoScope> fromReference(const ast::Node& reference, LevelScope& level);
   void selectItem(const ast::Node& item, LevelScope& level, std::int32_t& counter, Columns& result);
   void checkGrouping(const ast::QuerySpecification& query, const LevelScope& level);
   void checkAggregates(const ast::Node& condition);
@@ -114,6 +130,7 @@ private:
   const GlobalTypeContext& mGlobal;
   const TableInfoContext& mTables;
   FaultSink* mSink;
+  AnalysisObserver* mObserver = nullptr;
 };
 
 } // namespace velmor::sql::detail

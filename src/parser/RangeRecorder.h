@@ -27,8 +27,8 @@ public:
     mNodes.push_back({node, static_cast<int>(place.first), static_cast<int>(place.last)});
   }
 
-  /// The ranges of the noted nodes.
-  std::shared_ptr<SourceRanges> finish() const;
+  /// The ranges of the noted nodes, keeping `tree` (the one they belong to) alive.
+  std::shared_ptr<SourceRanges> finish(const ast::Node& tree) const;
   /// Forgets the notes and keeps the room for the next parse.
   void clear() {
     mTokens.clear();

@@ -16,7 +16,8 @@ std::size_t slotOf(const ast::NodeInterface* node, std::size_t mask) {
 }
 } // namespace
 
-SourceRanges::SourceRanges(std::vector<Entry> entries) : mEntries(std::move(entries)) {
+SourceRanges::SourceRanges(std::vector<Entry> entries, ast::Node tree)
+    : mEntries(std::move(entries)), mTree(std::move(tree)) {
   std::size_t size = 16;
   while (size < mEntries.size() * 2) size *= 2;
   mSlots.assign(size, 0);
@@ -42,7 +43,7 @@ std::string rangeText(const SourceRange& range) {
          std::to_string(range.endLine) + ':' + std::to_string(range.endColumn);
 }
 
-std::shared_ptr<SourceRanges> RangeRecorder::finish() const {
+std::shared_ptr<SourceRanges> RangeRecorder::finish(const ast::Node& tree) const {
   std::vector<SourceRanges::Entry> entries;
   entries.reserve(mNodes.size());
   const auto count = static_cast<int>(mTokens.size());
@@ -54,7 +55,7 @@ std::shared_ptr<SourceRanges> RangeRecorder::finish() const {
                                                  static_cast<std::size_t>(last.endLine),
                                                  static_cast<std::size_t>(last.endColumn), first.begin, last.end});
   }
-  return std::make_shared<SourceRanges>(std::move(entries));
+  return std::make_shared<SourceRanges>(std::move(entries), tree);
 }
 
 } // namespace velmor::sql

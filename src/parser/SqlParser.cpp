@@ -81,7 +81,7 @@ bool SqlParser::parse(const std::string& text) {
     mAutomaton->run(lexer, tree, &errors, std::max(nestingLimit, 1), ranges);
     if (errors.empty()) {
       result = std::move(tree);
-      if (ranges) sourceRanges = ranges->finish();
+      if (ranges) sourceRanges = ranges->finish(result);
     }
     if (ranges) {
       ranges->clear();

@@ -35,8 +35,7 @@ public:
   /// what a parser keeps between parses stays bounded, whatever texts it read.
   void trim(std::size_t entries) {
     std::apply([entries](auto&... values) { (trimRoom(values, entries), ...); }, mValues);
-    std::apply([entries](auto&... spares) { ((spares.size() > entries ? spares.resize(entries) : void()), ...); },
-               mSpares);
+    std::apply([entries](auto&... spares) { (trimSpares(spares, entries), ...); }, mSpares);
   }
 
   /// Gives back the room of `list` when it holds more than `entries`.
@@ -46,6 +45,23 @@ public:
   }
 
 private:
+  // Spare lists are kept while their room, counted in bytes, stays within what `entries`
+  // elements of the list's kind take: one list grown by a long text does not stay.
+  template <class E>
+  static void trimSpares(std::vector<std::vector<E>>& spares, std::size_t entries) {
+    const std::size_t budget = entries * sizeof(E);
+    std::size_t used = 0;
+    std::size_t kept = 0;
+    for (std::vector<E>& spare : spares) {
+      const std::size_t bytes = spare.capacity() * sizeof(E);
+      if (kept == entries || used + bytes > budget) continue;
+      used += bytes;
+      if (&spares[kept] != &spare) spares[kept] = std::move(spare);
+      ++kept;
+    }
+    spares.resize(kept);
+  }
+
   std::tuple<std::vector<ast::Node>, std::vector<ast::QueryExpressionNode>, std::vector<ast::ExpressionNode>,
              std::vector<ast::TypeNode<ast::IntoClause>>, std::vector<ast::SortSpecification>,
              std::vector<ast::SetClause>, std::vector<ast::LimitSpecification>, std::vector<ast::FromSource>,

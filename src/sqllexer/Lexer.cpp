@@ -109,7 +109,8 @@ void Lexer::noteNul(const unsigned char* at) {
 
 void Lexer::lexemeTooLong() {
   mStatus = Status::Error;
-  std::cerr << "SqlLexer: lexeme starting at line " << mLine << ", column " << mColumn
+  if (!mQuiet)
+    std::cerr << "SqlLexer: lexeme starting at line " << mLine << ", column " << mColumn
             << " is longer than the scanner's window of " << maxLexemeWindow << " bytes\n";
   throw std::runtime_error("Distance between lexeme start and current pointer exceeds buffer size.");
 }

@@ -61,6 +61,8 @@ public:
   bool scan(Token& token);
 
   Status status() const { return mStatus; }
+  /// A lexeme too long for the window is then thrown without a line on std::cerr.
+  void setQuiet(bool quiet) { mQuiet = quiet; }
 
   /// From now on, appends what the scanner skips (no token, not white space) to `skipped`,
   /// which must outlive the scanning; null stops it. Off after construction: a parse pays for
@@ -126,6 +128,7 @@ private:
   std::size_t mTextSize;
   std::vector<SkippedText>* mSkipped = nullptr;
   bool mEndsAtNul = false;
+  bool mQuiet = false;
   std::unique_ptr<unsigned char[]> mWindow;  // only for a text longer than the window
   int mLine = 1;
   int mColumn = 1;

@@ -47,15 +47,17 @@ struct SourceRange {
 /// what is inside them; an omitted part (an empty WHERE) and a node the parser adds by itself (the
 /// TRUE of a CASE without subject, an INTO clause) have none.
 ///
-/// Keyed by node identity: the map holds no reference to the tree, which may die first (its
-/// entries then match nothing that lives). Immutable once made; may be read from any thread.
+/// Keyed by node identity. A map made by a parse holds its tree alive, so that no node of a later
+/// tree can take the place of one of its own and be answered for. Immutable once made; may be
+/// read from any thread.
 class VELMOR_SQL_API SourceRanges {
 public:
   using Entry = std::pair<const ast::NodeInterface*, SourceRange>;
 
   SourceRanges() = default;
-  /// The ranges of the given nodes, each given once.
-  explicit SourceRanges(std::vector<Entry> entries);
+  /// The ranges of the given nodes, each given once; `tree`, when given, is kept alive with the
+  /// map (the nodes must be its own).
+  explicit SourceRanges(std::vector<Entry> entries, ast::Node tree = {});
 
   /// The range of `node`, or null when the parse that made this map did not make it.
   const SourceRange* find(const ast::Node& node) const { return find(node.mImpl.get()); }
@@ -66,6 +68,7 @@ public:
 
 private:
   std::vector<Entry> mEntries;
+  ast::Node mTree;
   // An open-addressed table of positions in mEntries + 1 (0: free), a power of two in size:
   // made in one pass, with no sorting, since a parse makes one map and asks it a few times.
   std::vector<std::uint32_t> mSlots;

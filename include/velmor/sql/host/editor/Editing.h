@@ -44,7 +44,7 @@ struct Hover {
 };
 
 /// One overload of a function as signature help shows it.
-struct Signature {
+struct CallSignature {
   /// "ST_Buffer(Geometry, Double) -> Geometry".
   std::string label;
   /// Byte ranges of each parameter inside `label`.
@@ -55,7 +55,7 @@ struct Signature {
 struct SignatureHelp {
   /// The function's name as the catalogue spells it.
   std::string function;
-  std::vector<Signature> signatures;
+  std::vector<CallSignature> signatures;
   /// The overload that the arguments typed so far resolve to, else the first that takes at least
   /// as many arguments as are written.
   std::size_t activeSignature = 0;
