@@ -116,20 +116,12 @@ test('a completion is offered and accepted', async () => {
   assert.equal(doc, 'SELECT area_sqm FROM parcels');
 });
 
-test('hovering a column shows its type', async (t) => {
+test('hovering a column shows its type', async () => {
   const text = 'SELECT area_sqm FROM parcels';
   await typeStatement(text);
-  const answer = await page.evaluate((sql) => {
-    const { vs } = window.velmorPlayground;
-    return vs.hover(sql, 9, vs.gisSample());
-  }, text);
-  if (answer === null) {
-    t.skip('the kit\'s hover answers nothing yet');
-    return;
-  }
   const { x, y } = await placeOf(7, 15);
   await page.mouse.move(x, y);
   await page.waitForSelector('.hover-title', { timeout: 5000 });
-  assert.equal(await page.$eval('.hover-title', (node) => node.textContent), answer.title);
+  assert.equal(await page.$eval('.hover-title', (node) => node.textContent), 'column parcels.area_sqm: Decimal(12,2)');
   await screenshot('hover');
 });

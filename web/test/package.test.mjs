@@ -207,8 +207,9 @@ test('offsets are UTF-16 indexes of the string, both ways', () => {
     const [fault] = vs.check(text, gis);
     const at = text.indexOf(name);
     assert.deepEqual([fault.range.begin.offset, fault.range.end.offset], [at, at + name.length], text);
+    // Inside a word, the whole word is replaced.
     const completion = vs.complete(text, at + 3, gis);
-    assert.deepEqual([completion.from, completion.to], [at, at + 3], text);
+    assert.deepEqual([completion.from, completion.to], [at, at + name.length], text);
   }
 });
 
@@ -216,11 +217,11 @@ test('a completion offset outside the text or inside a pair is clamped', () => {
   const text = 'SELECT \'😀\', ar';
   const end = text.length;
   const table = [
-    [-5, 0, 0],
-    [Number.NEGATIVE_INFINITY, 0, 0],
+    [-5, 0, 6],
+    [Number.NEGATIVE_INFINITY, 0, 6],
     [end + 10, end - 2, end],
     [end, end - 2, end],
-    [end - 1, end - 2, end - 1],
+    [end - 1, end - 2, end],
     // Inside the pair of 😀: taken as after it, in a string, where nothing is offered.
     [text.indexOf('😀') + 1, text.indexOf('😀') + 2, text.indexOf('😀') + 2],
   ];
