@@ -18,7 +18,6 @@ SELECT road_nm, speed_lim FROM roads WHERE lane_cnt > 'two';
 `;
 
 const $ = (id) => document.getElementById(id);
-const started = performance.now();
 
 // Completion kinds as the editor draws them.
 const completionType = {
@@ -233,7 +232,8 @@ async function main() {
   renderCatalogue();
   forceLinting(view);
   const ready = $('status');
-  ready.textContent = `ready in ${Math.round(performance.now() - started)} ms`;
+  // From the start of the page's navigation: loading, compiling the module and the first analysis.
+  ready.textContent = `ready in ${Math.round(performance.now())} ms`;
   ready.dataset.ready = 'true';
   window.velmorPlayground = { view, vs };
 }
