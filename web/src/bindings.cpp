@@ -89,14 +89,16 @@ Json place(std::size_t line, std::size_t column, std::uint32_t offset) {
 std::uint32_t unitAt(const std::string& text, const Units& units, std::size_t line, std::size_t column) {
   std::size_t atLine = 1, atColumn = 1, i = 0;
   for (; i < text.size(); ++i) {
-    if (atLine > line || (atLine == line && atColumn >= column)) break;
     const auto byte = static_cast<unsigned char>(text[i]);
+    // Only a code point's first byte is a place; continuation bytes belong to the one before.
+    const bool starts = (byte & 0xC0) != 0x80;
+    if (starts && (atLine > line || (atLine == line && atColumn >= column))) break;
     if (byte == '\n') {
       ++atLine;
       atColumn = 1;
     } else if (byte == '\t') {
       atColumn = ((atColumn - 1) & ~std::size_t{3}) + 5;
-    } else if ((byte & 0xC0) != 0x80) {
+    } else if (starts) {
       ++atColumn;
     }
   }

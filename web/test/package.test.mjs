@@ -237,6 +237,8 @@ test('syntax errors carry the place in lines, columns and UTF-16', () => {
     ['SELECT FROM t', 1, 8, 7],
     ['SELECT \'😀\' FROM', 1, 16, 16],
     ['SELECT a\n\tFROM', 2, 9, 14],
+    ['SELECT é)', 1, 9, 8],
+    ['SELECT 😀)', 1, 9, 9],
     ['SELECT a FROM t WHERE', 1, 22, 21],
   ];
   for (const [text, line, column, offset] of table) {
