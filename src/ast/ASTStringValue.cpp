@@ -112,4 +112,29 @@ std::wstring ASTStringValue::toString() const {
   return out;
 }
 
+std::size_t ASTStringValue::toStringLength() const noexcept {
+  std::size_t count = 0;
+  const std::size_t length = m_value.length();
+  for (std::size_t i = 0; i < length; ++i) {
+    switch (m_value[i]) {
+    case 0:
+    case 8:
+    case 9:
+    case 10:
+    case 13:
+    case 22:
+    case L'"':
+      count += 2;
+      break;
+    case L'\\':
+      // A kept wildcard pair goes out as it is, a lone backslash doubled: two units either way.
+      if (i + 1 < length && (m_value[i + 1] == L'%' || m_value[i + 1] == L'_')) ++i;
+      count += 2;
+      break;
+    default: ++count; break;
+    }
+  }
+  return count;
+}
+
 } // namespace velmor::sql

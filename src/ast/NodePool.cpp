@@ -28,7 +28,7 @@ thread_local Drain tDrain;
 
 } // namespace
 
-constinit thread_local PoolCache tPoolCache{};
+[[gnu::tls_model("initial-exec")]] constinit thread_local PoolCache tPoolCache{};
 
 void* poolAllocateSlow(std::size_t bytes) {
   if (!kPooling || bytes == 0 || bytes > poolBlockLimit) return ::operator new(bytes);

@@ -56,7 +56,8 @@ struct PoolCache {
     keptBytes += (index + 1) * kPoolGrain;
   }
 };
-extern constinit thread_local PoolCache tPoolCache;
+// Initial-exec: taken on every node made or released; small enough for the static TLS room.
+extern constinit thread_local PoolCache tPoolCache [[gnu::tls_model("initial-exec")]];
 
 /// poolAllocate and poolDeallocate past their free lists.
 void* poolAllocateSlow(std::size_t bytes);

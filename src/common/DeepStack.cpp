@@ -60,18 +60,11 @@ constexpr std::size_t kReserve = 128u << 10;
 // Each fresh segment; its lowest page is left unmapped so that an overrun faults at once.
 constexpr std::size_t kSegment = 1u << 20;
 
-struct ThreadStack {
-  bool known = false;
-  // The stack's lowest address, and the lowest at which a frame may still recurse in place;
-  // both 0 when unknown.
-  std::uintptr_t low = 0;
-  std::uintptr_t limit = 0;
-  // Kept here so that a walk learns both what its stack allows and whether faults are watched
-  // from one look at the thread's state.
-  WalkWatch* watch = nullptr;
-};
+} // namespace
 
-thread_local ThreadStack tStack;
+constinit thread_local ThreadStack tStack{};
+
+namespace {
 
 void readBounds(ThreadStack& stack) noexcept {
   pthread_attr_t attributes;
@@ -173,7 +166,7 @@ WalkWatch* setWalkWatch(WalkWatch* watch) noexcept {
   return previous;
 }
 
-bool walkNeedsCare() noexcept {
+bool walkNeedsCareSlow() noexcept {
   ThreadStack& stack = tStack;
   return stack.watch != nullptr || frameIsLow(stack, reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)));
 }

@@ -3,6 +3,7 @@
 // segment of its own, on the same thread.
 #pragma once
 
+#include <cstdint>
 #include <exception>
 #include <type_traits>
 #include <utility>
@@ -21,8 +22,34 @@ struct WalkWatch {
 WalkWatch* walkWatch() noexcept;
 /// Makes `watch` (or null) the thread's watch; returns the one before.
 WalkWatch* setWalkWatch(WalkWatch* watch) noexcept;
-/// stackIsLow() or a watch is set: the one test a level of a walk makes.
-bool walkNeedsCare() noexcept;
+
+/// What a thread knows of the stack it runs on, and its watch.
+struct ThreadStack {
+  bool known = false;
+  // The stack's lowest address, and the lowest at which a frame may still recurse in place;
+  // both 0 when unknown.
+  std::uintptr_t low = 0;
+  std::uintptr_t limit = 0;
+  // Kept here so that a walk learns both what its stack allows and whether faults are watched
+  // from one look at the thread's state.
+  WalkWatch* watch = nullptr;
+};
+// Initial-exec: read on every level of every walk, and small enough for the static TLS room
+// that a module loaded at run time (the Python extension) still gets.
+extern constinit thread_local ThreadStack tStack [[gnu::tls_model("initial-exec")]];
+
+/// walkNeedsCare() for a thread whose bounds are not read yet (or never are) or that is watched.
+bool walkNeedsCareSlow() noexcept;
+
+/// stackIsLow() or a watch is set: the one test a level of a walk makes, inline.
+[[gnu::always_inline]] inline bool walkNeedsCare() noexcept {
+  const ThreadStack& stack = tStack;
+  if (stack.watch != nullptr || !stack.known) [[unlikely]] return walkNeedsCareSlow();
+  // A frame below the stack's lowest address runs on a stack of someone else's (a host's
+  // coroutine or fiber), whose bounds are unknown: it is never taken for low.
+  const auto frame = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+  return frame < stack.limit && frame >= stack.low;
+}
 
 /// True when less than the reserve is left below the caller's frame on this thread's stack
 /// (or on the segment it runs on). A thread whose bounds are unknown, and a frame outside them

@@ -179,6 +179,7 @@ Result Result::widest() {
 // ---- Catalogue --------------------------------------------------------------------------------
 
 Catalogue::Catalogue() : m_ranks(std::make_shared<std::map<PlainType, int>>()) {
+  for (int t = 0; t < denseTypes; ++t) m_denseRanks[static_cast<std::size_t>(t)] = rankIn(*m_ranks, static_cast<PlainType>(t));
   const auto set = [this](const char* name, const std::set<PlainType>& members) {
     m_typeSets[lowered(name)] = std::vector<PlainType>(members.begin(), members.end());
   };
@@ -530,6 +531,9 @@ void Catalogue::addCustomOperator(OperationCode code, std::wstring text, int lev
 
 void Catalogue::addConversion(PlainType from, PlainType to) {
   if (from != to) m_conversions.emplace(from, to);
+  const auto a = static_cast<std::uint32_t>(from);
+  const auto b = static_cast<std::uint32_t>(to);
+  if (a < denseTypes && b < denseTypes) m_convertible[a] |= std::uint32_t{1} << b;
 }
 
 void Catalogue::addConversions(const std::vector<std::string>& from, const std::vector<std::string>& to) {
@@ -548,7 +552,16 @@ void Catalogue::addConversions(const std::vector<std::string>& from, const std::
 }
 
 void Catalogue::setRanking(const std::vector<std::vector<PlainType>>& levels) {
-  // The map is shared with the result rules made so far, which rank by it.
+  // The map is shared with the result rules made so far, which rank by it. The dense ranks
+  // follow it whatever happens, a level refused halfway included.
+  struct Follow {
+    Catalogue& catalogue;
+    ~Follow() {
+      for (int t = 0; t < denseTypes; ++t) {
+        catalogue.m_denseRanks[static_cast<std::size_t>(t)] = rankIn(*catalogue.m_ranks, static_cast<PlainType>(t));
+      }
+    }
+  } follow{*this};
   m_ranks->clear();
   for (std::size_t level = 0; level < levels.size(); ++level) {
     for (const PlainType t : levels[level]) {
@@ -585,6 +598,9 @@ std::shared_ptr<OperatorInfo> Catalogue::operatorInfo(OperationCode code) const 
 
 bool Catalogue::canConvert(PlainType from, PlainType to) const {
   if (from == to || from == PlainType::Contextual || to == PlainType::Contextual) return true;
+  const auto a = static_cast<std::uint32_t>(from);
+  const auto b = static_cast<std::uint32_t>(to);
+  if (a < denseTypes && b < denseTypes) return (m_convertible[a] >> b & 1U) != 0;
   return m_conversions.count({from, to}) != 0;
 }
 
@@ -604,7 +620,10 @@ std::shared_ptr<Type> Catalogue::convert(const std::shared_ptr<Type>& value, Pla
   return std::make_shared<Type>(to);
 }
 
-int Catalogue::rankOf(PlainType type) const { return rankIn(*m_ranks, type); }
+int Catalogue::rankOf(PlainType type) const {
+  const auto t = static_cast<std::uint32_t>(type);
+  return t < denseTypes ? m_denseRanks[t] : rankIn(*m_ranks, type);
+}
 
 int Catalogue::compareTypes(PlainType a, PlainType b) const {
   const int x = rankOf(a);

@@ -125,8 +125,15 @@ struct Place {
 };
 
 Place findPlace(const ast::Node& tree, const std::wstring& standIn) {
-  const std::wstring key = normalized(standIn);
-  auto is = [&](const std::wstring& name) { return !name.empty() && normalized(name) == key; };
+  // The stand-in is ASCII in lower case: a name is it when it has its length and letters.
+  auto is = [&](const std::wstring& name) {
+    if (name.size() != standIn.size()) return false;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+      const wchar_t c = name[i] >= L'A' && name[i] <= L'Z' ? static_cast<wchar_t>(name[i] - L'A' + L'a') : name[i];
+      if (c != standIn[i]) return false;
+    }
+    return true;
+  };
   Place place;
   bool found = false;
   editor::forEachNode(tree, [&](const ast::Node& node) {

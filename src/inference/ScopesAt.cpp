@@ -25,35 +25,46 @@ struct Chain {
 class Collector final : public detail::AnalysisObserver, public detail::FaultSink {
 public:
   Collector(const ast::Node& statement, const std::vector<ast::Node>& targets) : mAnswers(targets.size()) {
-    // Each node's parent, then for each target the nodes on its way up with their depth.
-    std::unordered_map<const ast::NodeInterface*, const ast::NodeInterface*> parent;
-    std::vector<ast::Node> stack{statement};
-    while (!stack.empty()) {
-      const ast::Node node = std::move(stack.back());
-      stack.pop_back();
-      if (node.isNull()) continue;
-      for (ast::Node& child : ast::children(node)) {
-        if (child.isNull()) continue;
-        parent.emplace(child.mImpl.get(), node.mImpl.get());
-        stack.push_back(std::move(child));
-      }
-    }
     mBest.assign(targets.size(), 0);
+    std::unordered_map<const ast::NodeInterface*, std::vector<std::size_t>> wanted;
     for (std::size_t t = 0; t < targets.size(); ++t) {
-      if (targets[t].isNull()) continue;
-      std::vector<const ast::NodeInterface*> way;
-      const ast::NodeInterface* at = targets[t].mImpl.get();
-      const bool inTree = at == statement.mImpl.get() || parent.count(at) != 0;
-      if (!inTree) continue;
-      while (at != nullptr) {
-        way.push_back(at);
-        const auto up = parent.find(at);
-        at = up == parent.end() ? nullptr : up->second;
+      if (!targets[t].isNull()) wanted[targets[t].mImpl.get()].push_back(t);
+    }
+    if (wanted.empty() || statement.isNull()) return;
+    // Depth first with the way down on a stack of its own: where a target is met, the way to
+    // it is the stack.
+    struct Frame {
+      ast::Node node;
+      std::vector<ast::Node> below;
+      std::size_t next = 0;
+    };
+    std::vector<Frame> way;
+    way.push_back({statement, ast::children(statement)});
+    std::size_t found = 0;
+    auto meetTarget = [&](const ast::Node& node) {
+      const auto hit = wanted.find(node.mImpl.get());
+      if (hit == wanted.end()) return;
+      for (const std::size_t t : hit->second) {
+        for (std::size_t i = 0; i < way.size(); ++i) mOnWay[way[i].node.mImpl.get()].push_back({t, i + 1});
+        ++found;
       }
-      for (std::size_t i = 0; i < way.size(); ++i) mOnWay[way[i]].push_back({t, way.size() - i});
+    };
+    meetTarget(statement);
+    while (!way.empty() && found < targets.size()) {
+      Frame& top = way.back();
+      if (top.next == top.below.size()) {
+        way.pop_back();
+        continue;
+      }
+      ast::Node child = std::move(top.below[top.next++]);
+      if (child.isNull()) continue;
+      std::vector<ast::Node> below = ast::children(child);
+      way.push_back({std::move(child), std::move(below)});
+      meetTarget(way.back().node);
     }
   }
 
+  bool wants(const ast::Node& clause) const override { return mOnWay.count(clause.mImpl.get()) != 0; }
   void typing(const ast::Node& expression, const LevelScope& level) override { meet(expression, level); }
   void declared(const ast::Node& item, const LevelScope& level) override { meet(item, level); }
   void caught(const SqlError&) override {}

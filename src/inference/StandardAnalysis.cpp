@@ -6,6 +6,7 @@
 #include <velmor/sql/types/Strings.h>
 
 #include "common/DeepStack.h"
+#include "inference/Resolutions.h"
 #include "inference/ResultColumns.h"
 #include "types/ColumnOrder.h"
 
@@ -33,6 +34,18 @@ void walkLevel(const ast::Node& root, Visit&& visit) {
     stack.pop_back();
     if (node.isNull() || isQuery(node)) continue;
     if (!visit(node)) continue;
+    // Operations and calls, the bulk of any clause, hand out their operands without a list of
+    // children being made.
+    if (ast::nodeIs<ast::Operation>(node)) {
+      const auto& operands = ast::getNodeValue<ast::Operation>(node).operands;
+      for (auto child = operands.rbegin(); child != operands.rend(); ++child) stack.push_back(*child);
+      continue;
+    }
+    if (ast::nodeIs<ast::Function>(node)) {
+      const auto& arguments = ast::getNodeValue<ast::Function>(node).arguments;
+      for (auto child = arguments.rbegin(); child != arguments.rend(); ++child) stack.push_back(*child);
+      continue;
+    }
     std::vector<ast::Node> below = ast::children(node);
     for (auto child = below.rbegin(); child != below.rend(); ++child) stack.push_back(std::move(*child));
   }
@@ -321,6 +334,11 @@ std::shared_ptr<Type> StandardAnalysis::typeIn(const LevelScope& level, const as
   return inferer.inferNodeType(expression);
 }
 
+void StandardAnalysis::typeClause(const LevelScope& level, const ast::Node& clause) {
+  if (mObserver && !mObserver->wants(clause)) return;
+  part([&] { typeIn(level, clause); });
+}
+
 bool StandardAnalysis::isAggregateCall(const ast::Node& node) const {
   if (!ast::nodeIs<ast::Function>(node)) return false;
   const auto info = mGlobal.function(ast::getNodeValue<ast::Function>(node).name);
@@ -350,6 +368,7 @@ std::optional<std::vector<std::shared_ptr<Type>>> StandardAnalysis::queryColumns
 }
 
 void StandardAnalysis::checkStatement(const ast::Node& statement, const std::shared_ptr<ColumnInfoScope>& external) {
+  const ResolutionScope resolutions;
   LevelScope outside(nullptr);
   outside.m_local = external;
   const LevelScope* outer = external ? &outside : nullptr;
@@ -463,7 +482,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
       on.m_failed = level.m_failed;
       if (mObserver) on.m_names.assign(level.m_names.begin() + static_cast<std::ptrdiff_t>(firstName), level.m_names.end());
       const ast::Node& condition = ast::getNodeValue<ast::JoinCondition>(join.specification).condition;
-      part([&] { typeIn(on, condition); });
+      typeClause(on, condition);
       checkAggregates(condition);
     }
     return scope;
@@ -555,13 +574,13 @@ StandardAnalysis::Columns StandardAnalysis::checkSpecification(const ast::QueryS
   // WHERE, GROUP BY and HAVING see the output columns behind everything else, ORDER BY before.
   level.m_outputUse = LevelScope::Output::Last;
   if (!query.where.isNull()) {
-    part([&] { typeIn(level, query.where); });
+    typeClause(level, query.where);
     checkAggregates(query.where);
   }
-  for (const ast::ExpressionNode& key : query.groupBy) part([&] { typeIn(level, key); });
-  if (!query.having.isNull()) part([&] { typeIn(level, query.having); });
+  for (const ast::ExpressionNode& key : query.groupBy) typeClause(level, key);
+  if (!query.having.isNull()) typeClause(level, query.having);
   level.m_outputUse = LevelScope::Output::First;
-  for (const ast::SortSpecification& sort : query.orderBy) part([&] { typeIn(level, sort.key); });
+  for (const ast::SortSpecification& sort : query.orderBy) typeClause(level, sort.key);
   level.m_outputUse = LevelScope::Output::None;
 
   checkGrouping(query, level);
@@ -629,6 +648,7 @@ StandardAnalysis::Columns StandardAnalysis::checkExplicitTable(const ast::Explic
 // Aggregates and grouping.
 
 void StandardAnalysis::checkAggregates(const ast::Node& condition) {
+  if (mObserver) return; // faults only
   walkLevel(condition, [&](const ast::Node& node) {
     if (!isAggregateCall(node)) return true;
     fault(AggregateInWhereClause(), &node);
@@ -637,6 +657,7 @@ void StandardAnalysis::checkAggregates(const ast::Node& condition) {
 }
 
 void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const LevelScope& level) {
+  if (mObserver) return; // faults only
   if (!level.m_local) return;
   std::vector<ast::Node> checked;
   for (const ast::Node& item : query.selectList) {
@@ -748,7 +769,7 @@ void StandardAnalysis::checkUpdate(const ast::UpdateStatement& update, const ast
   level.m_local = std::make_shared<TableInfoScope>(ast::TablePrimary{update.table, {}}, info);
   level.m_names.push_back({normalized(update.table), update.table, node, level.m_local});
   if (!update.where.isNull()) {
-    part([&] { typeIn(level, update.where); });
+    typeClause(level, update.where);
     checkAggregates(update.where);
   }
   for (const ast::SetClause& clause : update.clauses) {
@@ -832,7 +853,7 @@ void StandardAnalysis::checkDelete(const ast::DeleteStatement& statement, const 
   level.m_local = std::make_shared<TableInfoScope>(ast::TablePrimary{statement.table, {}}, std::move(info));
   level.m_names.push_back({normalized(statement.table), statement.table, node, level.m_local});
   if (!statement.where.isNull()) {
-    part([&] { typeIn(level, statement.where); });
+    typeClause(level, statement.where);
     checkAggregates(statement.where);
   }
 }

@@ -5,6 +5,7 @@
 #include <velmor/sql/inference/StringTypeInferer.h>
 #include <velmor/sql/errors/SemanticErrors.h>
 
+#include "inference/Resolutions.h"
 #include "inference/StandardAnalysis.h"
 
 #include <cstddef>
@@ -41,7 +42,7 @@ QueryAnalysis::~QueryAnalysis() = default;
 const char* FaultReported::what() const noexcept { return "fault reported"; }
 
 TypeInferer::TypeInferer(const GlobalTypeContext& globalContext, const ScopeTypeContext& scopeContext)
-    : mGlobalContext(globalContext), mScopeContext(scopeContext) {}
+    : mGlobalContext(globalContext), mScopeContext(scopeContext), mResolutions(detail::currentResolutions()) {}
 
 void TypeInferer::setScoping(Scoping scoping, const TableInfoContext* tables) {
   mOwnAnalysis.reset();
@@ -61,6 +62,7 @@ void TypeInferer::setQueryAnalysis(QueryAnalysis* analysis) noexcept {
 TypeInferer TypeInferer::part() const {
   TypeInferer inferer(mGlobalContext, mScopeContext);
   inferer.mAnalysis = mAnalysis;
+  inferer.mResolutions = mResolutions;
   return inferer;
 }
 
@@ -70,6 +72,29 @@ std::shared_ptr<Type> TypeInferer::typeOfPart(const ast::Node& node) const {
   inferer.doVisit(node);
   return std::move(inferer).result();
 }
+
+namespace detail {
+
+namespace {
+// A plain pointer, so that it needs no guard and stays usable while thread-locals die.
+thread_local Resolutions* tResolutions = nullptr;
+} // namespace
+
+Resolutions* currentResolutions() noexcept { return tResolutions; }
+
+ResolutionScope::ResolutionScope() noexcept : mPrevious(tResolutions) {
+  if (tResolutions) return;
+  try {
+    mOwn = std::make_unique<Resolutions>();
+    tResolutions = mOwn.get();
+  } catch (...) {
+    // Without a memo every question goes to the catalogue again: slower, the same answers.
+  }
+}
+
+ResolutionScope::~ResolutionScope() { tResolutions = mPrevious; }
+
+} // namespace detail
 
 // ---------------------------------------------------------------------------------------------
 // Visits.
@@ -226,7 +251,7 @@ std::vector<std::shared_ptr<Type>> TypeInferer::operationTypes(const ast::Operat
 }
 
 std::shared_ptr<Type> TypeInferer::stringType(const ast::String& node) {
-  return std::make_shared<LengthType>(PlainType::Char, static_cast<int>(node.value.toString().size()));
+  return std::make_shared<LengthType>(PlainType::Char, static_cast<int>(node.value.toStringLength()));
 }
 
 std::shared_ptr<OverloadInfo> TypeInferer::inferFunctionOverload(const ast::Function& function) {
@@ -287,8 +312,21 @@ std::vector<std::shared_ptr<Overload>> shared(const Candidates<Overload>& candid
 std::shared_ptr<OverloadInfo> TypeInferer::findOverload(const ast::Function& function,
                                                         const std::shared_ptr<FunctionInfo>& info,
                                                         const std::vector<std::shared_ptr<Type>>& types) {
-  std::vector<std::shared_ptr<OverloadInfo>> all = info->overloads();
   const std::vector<PlainType> plain = toPlainTypes(types);
+  if (!mResolutions || !info) return resolveOverload(function, info, types, plain);
+  if (auto chosen = mResolutions->find(mGlobalContext, info, -1, plain)) {
+    return std::static_pointer_cast<OverloadInfo>(std::move(chosen));
+  }
+  std::shared_ptr<OverloadInfo> overload = resolveOverload(function, info, types, plain);
+  mResolutions->keep(mGlobalContext, info, -1, plain, overload);
+  return overload;
+}
+
+std::shared_ptr<OverloadInfo> TypeInferer::resolveOverload(const ast::Function& function,
+                                                           const std::shared_ptr<FunctionInfo>& info,
+                                                           const std::vector<std::shared_ptr<Type>>& types,
+                                                           const std::vector<PlainType>& plain) {
+  std::vector<std::shared_ptr<OverloadInfo>> all = info->overloads();
   Candidates<OverloadInfo> exact;
   Candidates<OverloadInfo> converted;
   for (const auto& overload : all) {
@@ -308,8 +346,22 @@ std::shared_ptr<OverloadInfo> TypeInferer::findOverload(const ast::Function& fun
 std::shared_ptr<OperatorOverloadInfo> TypeInferer::findOperatorOverload(const ast::Operation& operation,
                                                                         const std::shared_ptr<OperatorInfo>& info,
                                                                         const std::vector<std::shared_ptr<Type>>& types) {
-  std::vector<std::shared_ptr<OperatorOverloadInfo>> all = info->overloads();
   const std::vector<PlainType> plain = toPlainTypes(types);
+  if (!mResolutions || !info) return resolveOperatorOverload(operation, info, types, plain);
+  const int quantifier = static_cast<int>(operation.quantifier);
+  if (auto chosen = mResolutions->find(mGlobalContext, info, quantifier, plain)) {
+    return std::static_pointer_cast<OperatorOverloadInfo>(std::move(chosen));
+  }
+  std::shared_ptr<OperatorOverloadInfo> overload = resolveOperatorOverload(operation, info, types, plain);
+  mResolutions->keep(mGlobalContext, info, quantifier, plain, overload);
+  return overload;
+}
+
+std::shared_ptr<OperatorOverloadInfo> TypeInferer::resolveOperatorOverload(const ast::Operation& operation,
+                                                                           const std::shared_ptr<OperatorInfo>& info,
+                                                                           const std::vector<std::shared_ptr<Type>>& types,
+                                                                           const std::vector<PlainType>& plain) {
+  std::vector<std::shared_ptr<OperatorOverloadInfo>> all = info->overloads();
   Candidates<OperatorOverloadInfo> exact;
   std::vector<std::shared_ptr<OperatorOverloadInfo>> converted;
   for (const auto& overload : all) {

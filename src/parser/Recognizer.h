@@ -33,8 +33,9 @@ public:
   /// (T_TERMINATION, id 0) is one too, since nothing may follow it.
   bool run(const std::vector<std::uint32_t>& ids) {
     mStack.assign(1, 0);
+    Plain stack(mStack);
     for (const std::uint32_t id : ids) {
-      if (id == 0 || !push(Tables::translate(id))) return false;
+      if (id == 0 || !shifts(stack, Tables::translate(id))) return false;
     }
     return true;
   }
@@ -110,6 +111,11 @@ private:
   class Overlay {
   public:
     explicit Overlay(const std::vector<int>& base) : mBase(base), mKept(base.size()) {}
+    /// Makes `stack` (the base) what the window shows.
+    void commit(std::vector<int>& stack) const {
+      stack.resize(mKept);
+      stack.insert(stack.end(), mExtra.begin(), mExtra.end());
+    }
     int back() const { return mExtra.empty() ? mBase[mKept - 1] : mExtra.back(); }
     std::size_t size() const { return mKept + mExtra.size(); }
     void pop(std::size_t count) {
@@ -137,9 +143,13 @@ private:
     std::vector<int>& mStack;
   };
 
+  // Shifts `symbol` onto the real stack; a symbol that fails leaves it as it was (the default
+  // reductions made before the failure showed are undone with it).
   bool push(int symbol) {
-    Plain stack(mStack);
-    return shifts(stack, symbol);
+    Overlay probe(mStack);
+    if (!shifts(probe, symbol)) return false;
+    probe.commit(mStack);
+    return true;
   }
 
   // A few closing tokens (as at the end) put before token i, when after them it and the next

@@ -99,6 +99,12 @@ TEST(CompletionTokens, Cases) {
     }
   }
   EXPECT_FALSE(tokensAcceptedAfter(std::vector<std::uint32_t>{T_TERMINATION}));
+  // The end of the text inside a run, or a NUL byte where the scanner ends a text: nothing can
+  // come after either.
+  EXPECT_FALSE(tokensAcceptedAfter(std::vector<std::uint32_t>{T_SELECT, T_IDENTIFIER, T_TERMINATION}));
+  EXPECT_FALSE(tokensAcceptedAfter(std::string("SELECT a\0", 9)));
+  EXPECT_FALSE(tokensAcceptedAfter(std::string("SELECT a\0 FROM", 14)));
+  EXPECT_TRUE(tokensAcceptedAfter(std::string("SELECT a")));
   EXPECT_FALSE(tokensAcceptedAfter(std::vector<std::uint32_t>{T_UNINITIALIZED}));
   EXPECT_FALSE(tokensAcceptedAfter(std::vector<std::uint32_t>{999}));
 }
@@ -109,6 +115,82 @@ TEST(CompletionTokens, PlacesAreByteRanges) {
   std::vector<std::string> pieces;
   for (const auto& place : places) pieces.push_back(text.substr(place.begin, place.end - place.begin));
   EXPECT_EQ(pieces, (std::vector<std::string>{"SELECT", "[näme]", ",", "'a''b' 'c'", "FROM", "t", "IS  NOT", "x"}));
+}
+
+} // namespace
+} // namespace velmor::sql
+
+namespace velmor::sql {
+namespace {
+
+// The mended run as text: fixes applied to the tokens of `text`, each token written as a word.
+std::string mended(const std::string& text, const std::vector<TokenFix>& fixes) {
+  const auto places = tokenPlaces(text);
+  std::string out;
+  std::size_t next = 0;
+  auto write = [&](const std::string& piece) { out += (out.empty() ? "" : " ") + piece; };
+  auto spell = [](std::uint32_t id) -> std::string {
+    if (id == T_IDENTIFIER) return "x";
+    if (id == T_EQ) return "=";
+    if (id < 128) return std::string(1, static_cast<char>(id));
+    std::string name = tokenName(id);
+    return name.rfind("T_", 0) == 0 ? name.substr(2) : name;
+  };
+  for (std::size_t i = 0; i <= places.size(); ++i) {
+    bool dropped = false;
+    for (; next < fixes.size() && fixes[next].index == i; ++next) {
+      if (fixes[next].drop) dropped = true;
+      else write(spell(fixes[next].id));
+    }
+    if (i < places.size() && !dropped) write(text.substr(places[i].begin, places[i].end - places[i].begin));
+  }
+  return out;
+}
+
+TEST(RepairTokens, MendsUnfinishedAndBrokenStatements) {
+  struct Case {
+    const char* text;
+    const char* mended; // nullptr: no repair
+  };
+  const Case cases[] = {
+      {"SELECT a FROM t", "SELECT a FROM t"},
+      {"SELECT a FROM t WHERE", "SELECT a FROM t WHERE x"},
+      {"SELECT a, FROM t", "SELECT a , x FROM t"},
+      {"SELECT f(a, (b FROM t", "SELECT f ( a , ( b ) ) FROM t"},
+      {"SELECT CASE WHEN a FROM t", "SELECT CASE WHEN a THEN x END FROM t"},
+      {"SELECT a FROM t WHERE a BETWEEN 1", "SELECT a FROM t WHERE a BETWEEN 1 AND x"},
+      {"INSERT INTO t", "INSERT INTO t VALUES ( x )"},
+      {"UPDATE", "UPDATE x SET x = x"},
+      {"SELECT a FROM t ORDER BY a NULLS", "SELECT a FROM t ORDER BY a NULLS FIRST"},
+      {"SELECT a FROM t LIMIT", "SELECT a FROM t LIMIT INTEGER_NUMBER"},
+      // A token that fits nowhere is dropped; after the fixes run out the rest goes.
+      {"SELECT a FROM t ) WHERE b", "SELECT a FROM t WHERE b"},
+      // A text may be a lone expression.
+      {"", "x"},
+  };
+  for (const auto& test : cases) {
+    std::vector<std::uint32_t> ids;
+    for (const auto& place : tokenPlaces(test.text)) ids.push_back(place.id);
+    const auto fixes = repairTokens(ids);
+    ASSERT_TRUE(fixes) << test.text;
+    EXPECT_EQ(mended(test.text, *fixes), test.mended) << test.text;
+    if (std::string(test.text) == test.mended) {
+      EXPECT_TRUE(fixes->empty());
+    }
+  }
+  // Every fix counts: with none allowed a broken run loses its rest.
+  std::vector<std::uint32_t> broken;
+  for (const auto& place : tokenPlaces("SELECT a, FROM t")) broken.push_back(place.id);
+  const auto cut = repairTokens(broken, 0);
+  ASSERT_TRUE(cut);
+  EXPECT_EQ(mended("SELECT a, FROM t", *cut), "SELECT a , x x FROM x");
+  // Closing is linear in the depth: twenty thousand open parentheses close.
+  std::vector<std::uint32_t> deep{T_SELECT};
+  deep.insert(deep.end(), 20'000, '(');
+  const auto closed = repairTokens(deep);
+  ASSERT_TRUE(closed);
+  EXPECT_EQ(std::count_if(closed->begin(), closed->end(), [](const TokenFix& fix) { return fix.id == ')'; }), 20'000);
+  EXPECT_LT(closed->size(), 20'010u);
 }
 
 } // namespace

@@ -65,6 +65,28 @@ TEST(SourceRanges, OnlyWhenAskedAndOnlyForATree) {
   EXPECT_EQ(kept->size(), 4u);  // query, select item, column and table outlive the next parse
 }
 
+// A kept map holds its tree: the nodes of later trees on the same thread, made from the blocks
+// the first tree would have given back, are never answered for.
+TEST(SourceRanges, NeverAnswerForTheNodesOfALaterTree) {
+  SqlParser parser(noContext);
+  parser.keepSourceRanges = true;
+  ASSERT_TRUE(parser.parse("SELECT a + b, f(c) FROM t WHERE d = 1"));
+  const auto kept = parser.sourceRanges;
+  const std::size_t size = kept->size();
+  parser.clear();
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_TRUE(parser.parse("SELECT x * y, g(z) FROM u WHERE w = " + std::to_string(i)));
+    std::vector<ast::Node> nodes{parser.result};
+    while (!nodes.empty()) {
+      const ast::Node node = nodes.back();
+      nodes.pop_back();
+      EXPECT_EQ(kept->find(node), nullptr);
+      for (const ast::Node& child : ast::children(node)) nodes.push_back(child);
+    }
+  }
+  EXPECT_EQ(kept->size(), size);
+}
+
 TEST(SourceRanges, SyntaxErrorsSayTheSameWithRanges) {
   for (const char* text : {"SELECT FROM t", "SELECT a\n\tFROM t WHERE", "SELECT 'é' FROM t t2 t3", "a +", "",
                            "SELECT ((((a FROM t", "UPDATE t SET a = 1,"}) {

@@ -21,6 +21,8 @@ public:
 
   /// The value with escapes and without enclosing quotes.
   std::wstring toString() const;
+  /// toString().size(), without making the text.
+  std::size_t toStringLength() const noexcept;
 
   const std::wstring& value() const noexcept { return m_value; }
 

@@ -11,6 +11,8 @@
 #include <velmor/sql/types/Type.h>
 
 #include <cstddef>
+#include <array>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
@@ -228,6 +230,11 @@ private:
   std::map<OperationCode, std::shared_ptr<OperatorInfo>> m_operators;
   std::set<std::pair<type::PlainType, type::PlainType>> m_conversions;
   std::shared_ptr<std::map<type::PlainType, int>> m_ranks;
+  // The same two for the plain types numbered below 32, as a bit a pair and a rank a type: the
+  // library asks them for every overload it weighs.
+  static constexpr int denseTypes = 32;
+  std::array<std::uint32_t, denseTypes> m_convertible{};
+  std::array<int, denseTypes> m_denseRanks{};
   std::map<OperationCode, int> m_levels;
   bool m_ownPrecedence = false;
   bool m_standardSql = false;

@@ -18,6 +18,10 @@
 
 namespace velmor::sql {
 
+namespace detail {
+class Resolutions;
+}
+
 /// What a TypeInferer in standard scoping asks about the queries that stand in an expression,
 /// and where it sends the faults of the parts it goes on past. Validator implements it to check
 /// each such query fully; TypeInferer::setScoping makes one of its own. Called on the thread of
@@ -203,6 +207,15 @@ private:
 
   QueryAnalysis* mAnalysis = nullptr;
   std::shared_ptr<QueryAnalysis> mOwnAnalysis;
+  // The overloads chosen so far in the check that made this inferer, if one runs.
+  detail::Resolutions* mResolutions = nullptr;
+  std::shared_ptr<OperatorOverloadInfo> resolveOperatorOverload(const ast::Operation& operation,
+                                                                const std::shared_ptr<OperatorInfo>& info,
+                                                                const std::vector<std::shared_ptr<Type>>& types,
+                                                                const std::vector<type::PlainType>& plain);
+  std::shared_ptr<OverloadInfo> resolveOverload(const ast::Function& function, const std::shared_ptr<FunctionInfo>& info,
+                                                const std::vector<std::shared_ptr<Type>>& types,
+                                                const std::vector<type::PlainType>& plain);
 
   void appendSelectItemTypes(const ast::Node& item, std::vector<std::shared_ptr<Type>>& out) const;
   bool fitsWithConversion(const OverloadInfo& overload, const std::vector<type::PlainType>& plain) const;

@@ -1,0 +1,76 @@
+// Overloads already chosen during one check: a statement asks the same few questions of the
+// catalogue many times (`a = b` over two integers, `AND` over truth values), and the choice
+// depends only on the callee and the operands' plain types.
+#pragma once
+
+#include <velmor/sql/ast/AST.h>
+#include <velmor/sql/types/Routine.h>
+#include <velmor/sql/types/Type.h>
+
+#include <cstddef>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+namespace velmor::sql::detail {
+
+class Resolutions {
+public:
+  /// The overload chosen before for this callee (an OperatorInfo or a FunctionInfo of
+  /// `global`), quantifier and plain types; null when none was.
+  std::shared_ptr<void> find(const GlobalTypeContext& global, const std::shared_ptr<void>& callee, int quantifier,
+                             const std::vector<type::PlainType>& plain) const {
+    const auto [first, last] = mChosen.equal_range(hashOf(&global, callee.get(), quantifier, plain));
+    for (auto at = first; at != last; ++at) {
+      const Chosen& chosen = at->second;
+      if (chosen.global == &global && chosen.callee == callee && chosen.quantifier == quantifier &&
+          chosen.plain == plain) {
+        return chosen.overload;
+      }
+    }
+    return nullptr;
+  }
+
+  void keep(const GlobalTypeContext& global, const std::shared_ptr<void>& callee, int quantifier,
+            const std::vector<type::PlainType>& plain, std::shared_ptr<void> overload) {
+    // The callee is held, so that its address stands for it for as long as the entry lives.
+    mChosen.emplace(hashOf(&global, callee.get(), quantifier, plain),
+                    Chosen{&global, callee, quantifier, plain, std::move(overload)});
+  }
+
+private:
+  static std::size_t hashOf(const void* global, const void* callee, int quantifier,
+                            const std::vector<type::PlainType>& plain) noexcept {
+    std::size_t h = std::hash<const void*>()(callee) ^ (std::hash<const void*>()(global) << 1);
+    h = h * 31 + static_cast<std::size_t>(quantifier);
+    for (const type::PlainType t : plain) h = h * 31 + static_cast<std::size_t>(t);
+    return h;
+  }
+  struct Chosen {
+    const void* global;
+    std::shared_ptr<void> callee;
+    int quantifier;
+    std::vector<type::PlainType> plain;
+    std::shared_ptr<void> overload;
+  };
+  std::unordered_multimap<std::size_t, Chosen> mChosen;
+};
+
+/// The memo of the check running on this thread, or null. Set for the length of a check by
+/// ResolutionScope; an inferer made meanwhile on the thread takes it.
+Resolutions* currentResolutions() noexcept;
+
+/// Gives the thread a memo for as long as it lives, unless a check around it gave one already.
+class ResolutionScope {
+public:
+  ResolutionScope() noexcept;
+  ~ResolutionScope();
+  ResolutionScope(const ResolutionScope&) = delete;
+  ResolutionScope& operator=(const ResolutionScope&) = delete;
+
+private:
+  Resolutions* mPrevious;
+  std::unique_ptr<Resolutions> mOwn;
+};
+
+} // namespace velmor::sql::detail
