@@ -6,19 +6,20 @@
 // WebAssembly has no way to switch the engine's own call stack: walks recurse in place, and the
 // web package bounds the depth with the parser's nesting limit instead.
 namespace velmor::sql::detail {
-namespace {
-thread_local WalkWatch* tWatch = nullptr;
-} // namespace
+
+// Known from the start and without bounds: no frame is ever taken for low.
+constinit thread_local ThreadStack tStack{true, 0, 0, nullptr};
 
 bool stackIsLow() noexcept { return false; }
-WalkWatch* walkWatch() noexcept { return tWatch; }
+WalkWatch* walkWatch() noexcept { return tStack.watch; }
 WalkWatch* setWalkWatch(WalkWatch* watch) noexcept {
-  WalkWatch* const previous = tWatch;
-  tWatch = watch;
+  WalkWatch* const previous = tStack.watch;
+  tStack.watch = watch;
   return previous;
 }
-bool walkNeedsCare() noexcept { return tWatch != nullptr; }
+bool walkNeedsCareSlow() noexcept { return tStack.watch != nullptr; }
 void runOnFreshStack(void (*body)(void*), void* argument) { body(argument); }
+
 } // namespace velmor::sql::detail
 #else
 
