@@ -88,6 +88,19 @@ export interface Hover {
   type: string;
 }
 
+/** The overloads of the call at a cursor, the one the arguments resolve to, and the argument at the cursor. */
+export interface SignatureHelp {
+  function: string;
+  /** Each overload's label ("buffer(Geometry, Double) -> Geometry") and its parameters' places in the label. */
+  signatures: { label: string; parameters: { from: number; to: number }[] }[];
+  activeSignature: number;
+  /** From 0. */
+  activeParameter: number;
+  /** The call, from the function's name to its closing parenthesis (or the statement's end). */
+  from: number;
+  to: number;
+}
+
 export interface CatalogueTable {
   name: string;
   columns: { name: string; type: string }[];
@@ -146,6 +159,8 @@ export class VelmorSql {
   /** Never throws for the text; an offset outside it is clamped. */
   complete(sql: string, offset: number, catalogue: Catalogue): Completion;
   hover(sql: string, offset: number, catalogue: Catalogue): Hover | null;
+  /** Null outside any call, or for a function the catalogue does not have. */
+  signatureHelp(sql: string, offset: number, catalogue: Catalogue): SignatureHelp | null;
   standardCatalogue(): Catalogue;
   gisSample(): Catalogue;
   gisSampleText(): string;

@@ -165,6 +165,14 @@ export class VelmorSql {
     return call(this._core, 'hover', String(sql), offsetOf(offset), catalogueOf(catalogue)).hover;
   }
 
+  /**
+   * The call whose parentheses hold `offset`: {function, signatures: [{label, parameters: [{from,
+   * to}]}], activeSignature, activeParameter, from, to}, parameters placed in their label; or null.
+   */
+  signatureHelp(sql, offset, catalogue) {
+    return call(this._core, 'signatureHelp', String(sql), offsetOf(offset), catalogueOf(catalogue)).signature;
+  }
+
   /** The standard SQL set alone: operators, conversions, ranking, precedence; no tables. */
   standardCatalogue() { return new Catalogue(this._core, call(this._core, 'catalogueStandard').handle); }
 

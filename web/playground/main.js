@@ -164,6 +164,24 @@ async function main() {
     return details;
   }
 
+  // The overloads of the call around the cursor, the argument at the cursor in bold.
+  function showSignature(view) {
+    const strip = $('signature');
+    const help = vs.signatureHelp(view.state.doc.toString(), view.state.selection.main.head, catalogue);
+    strip.replaceChildren();
+    if (!help) return;
+    help.signatures.forEach(({ label, parameters }, i) => {
+      const line = element('div', i === help.activeSignature ? { class: 'active' } : {});
+      const active = i === help.activeSignature ? parameters[help.activeParameter] : undefined;
+      if (active) {
+        line.append(label.slice(0, active.from), element('b', {}, label.slice(active.from, active.to)), label.slice(active.to));
+      } else {
+        line.append(label);
+      }
+      strip.append(line);
+    });
+  }
+
   let catalogueKey = 'gis';
   function renderCatalogue() {
     const list = $('tables');
@@ -193,6 +211,7 @@ async function main() {
         hovers,
         EditorView.updateListener.of((update) => {
           if (update.selectionSet && !update.docChanged) showStatement(update.view);
+          if (update.selectionSet || update.docChanged) showSignature(update.view);
         }),
       ],
     }),

@@ -55,5 +55,7 @@ private:
 
 /// The hover answer as JSON text ({"hover": null} when there is nothing to say).
 std::string hover(const std::string& text, double offset, const sql::host::Catalogue& catalogue);
+/// Signature help as JSON text ({"signature": null} outside any call of a known function).
+std::string signatureHelp(const std::string& text, double offset, const sql::host::Catalogue& catalogue);
 
 } // namespace velmor::web

@@ -371,6 +371,9 @@ EMSCRIPTEN_BINDINGS(velmor_sql) {
   emscripten::function("hover", +[](const std::string& text, double offset, int handle) {
     return guarded([&] { return velmor::web::hover(text, offset, needCatalogue(handle)); });
   });
+  emscripten::function("signatureHelp", +[](const std::string& text, double offset, int handle) {
+    return guarded([&] { return velmor::web::signatureHelp(text, offset, needCatalogue(handle)); });
+  });
   emscripten::function("catalogueStandard", &catalogueStandard);
   emscripten::function("catalogueGisSample", &catalogueGisSample);
   emscripten::function("catalogueFromJson", &catalogueFromJson);

@@ -116,6 +116,16 @@ test('a completion is offered and accepted', async () => {
   assert.equal(doc, 'SELECT area_sqm FROM parcels');
 });
 
+test('inside a call, its overloads are shown with the argument at the cursor', async () => {
+  await page.mouse.move(5, 5);
+  await typeStatement('SELECT buffer(shape, 1) FROM parcels');
+  await page.keyboard.press('Escape');
+  await page.keyboard.press('Home');
+  for (let i = 0; i < 'SELECT buffer(shape, '.length; ++i) await page.keyboard.press('ArrowRight');
+  await page.waitForFunction(() => document.querySelector('#signature .active b')?.textContent === 'Double',
+    { timeout: 5000 });
+});
+
 test('hovering a column shows its type', async () => {
   const text = 'SELECT area_sqm FROM parcels';
   await typeStatement(text);

@@ -1,4 +1,5 @@
-// The package against the tool's golden cases (check, format, rename, columns, complete), the
+// The package against the tool's golden cases (check, format, rename, columns, complete, hover,
+// signature), the
 // parser's golden trees, and tables of the cases the JavaScript boundary adds: UTF-16 offsets,
 // errors, catalogues and the nesting limit.
 import { test } from 'node:test';
@@ -130,11 +131,35 @@ function perform(command) {
             (c.detail ? ' '.repeat(width - Buffer.byteLength(c.text) + 2) + c.detail : ''))],
       };
     }
+    case 'hover': {
+      const [line, column] = command.at.split(':').map(Number);
+      const found = vs.hover(text, offsetAt(text, line, column), catalogueFor(command));
+      if (!found) return { status: 0, out: ['nothing'] };
+      return {
+        status: 0,
+        out: [`${placeOf(text, found.from)}-${placeOf(text, found.to)} ${found.kind}`, found.title,
+          ...found.details.map((detail) => `  ${detail}`)],
+      };
+    }
+    case 'signature': {
+      const [line, column] = command.at.split(':').map(Number);
+      const help = vs.signatureHelp(text, offsetAt(text, line, column), catalogueFor(command));
+      if (!help) return { status: 0, out: ['nothing'] };
+      return {
+        status: 0,
+        out: [`call ${placeOf(text, help.from)}-${placeOf(text, help.to)} argument ${help.activeParameter + 1}`,
+          ...help.signatures.map(({ label, parameters }, i) => {
+            const active = i === help.activeSignature ? parameters[help.activeParameter] : undefined;
+            const shown = active ? `${label.slice(0, active.from)}<${label.slice(active.from, active.to)}>${label.slice(active.to)}` : label;
+            return `${i === help.activeSignature ? '* ' : '  '}${shown}`;
+          })],
+      };
+    }
     default: return null;
   }
 }
 
-const mirrored = new Set(['check', 'format', 'rename', 'columns', 'complete']);
+const mirrored = new Set(['check', 'format', 'rename', 'columns', 'complete', 'hover', 'signature']);
 const cliCases = readdirSync(cliDir).filter((f) => f.endsWith('.txt')).sort().flatMap(readCases);
 let ran = 0;
 for (const c of cliCases) {
@@ -317,13 +342,30 @@ test('nesting: the limit in force, and the engine\'s stack never overrun below i
   assert.throws(() => vs.parse(chain(1200)), /nesting too deep \(limit 1000\)/);
 });
 
-test('hover answers null or a range inside the text', () => {
-  const text = 'SELECT area_sqm FROM parcels';
-  for (const offset of [0, 9, text.length, text.length + 5]) {
-    const found = vs.hover(text, offset, gis);
-    if (found === null) continue;
-    assert.ok(found.from <= found.to && found.to <= text.length);
-    assert.equal(typeof found.title, 'string');
+test('hover and signature help place their ranges in UTF-16', () => {
+  const text = "SELECT '😀', buffer(shape, 2), area_sqm FROM parcels";
+  const column = text.indexOf('area_sqm');
+  const found = vs.hover(text, column + 2, gis);
+  assert.equal(text.slice(found.from, found.to), 'area_sqm');
+  assert.equal(found.type, 'Decimal(12,2)');
+  const call = text.indexOf('buffer');
+  const table = [
+    // [offset, the argument the cursor is in, or null outside the call]
+    [call + 7, 0],
+    [text.indexOf('2)'), 1],
+    [text.indexOf('2)') + 2, null],
+    [call - 1, null],
+  ];
+  for (const [offset, argument] of table) {
+    const help = vs.signatureHelp(text, offset, gis);
+    if (argument === null) {
+      assert.equal(help, null, `offset ${offset}`);
+      continue;
+    }
+    assert.equal(help.activeParameter, argument, `offset ${offset}`);
+    assert.equal(text.slice(help.from, help.to), 'buffer(shape, 2)');
+    const { label, parameters } = help.signatures[help.activeSignature];
+    assert.equal(label.slice(parameters[1].from, parameters[1].to), 'Double');
   }
 });
 

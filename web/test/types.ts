@@ -11,9 +11,10 @@ const completion = vs.complete('SELECT ar FROM parcels', 9, gis);
 const kinds: string[] = completion.candidates.map((c) => c.kind);
 const hover = vs.hover('SELECT area_sqm FROM parcels', 9, gis);
 const title: string | undefined = hover?.title;
+const argument: number | undefined = vs.signatureHelp('SELECT buffer(shape, ) FROM parcels', 21, gis)?.activeParameter;
 try {
   vs.parse('SELECT');
 } catch (error) {
   if (error instanceof SqlSyntaxError) console.log(error.line, error.column, error.offset);
 }
-console.log(first, columns, canonical, kinds, title, vs.parse('SELECT a FROM t').node);
+console.log(first, argument, columns, canonical, kinds, title, vs.parse('SELECT a FROM t').node);
