@@ -124,7 +124,7 @@ struct Place {
   std::wstring name; // the qualifier, or the table of TableColumns
 };
 
-Place findPlace(const ast::Node& tree, const std::wstring& standIn) {
+Place findPlace(const ast::Node& tree, const std::wstring& standIn, const ast::Node& likely) {
   // The stand-in is ASCII in lower case: a name is it when it has its length and letters.
   auto is = [&](const std::wstring& name) {
     if (name.size() != standIn.size()) return false;
@@ -136,7 +136,7 @@ Place findPlace(const ast::Node& tree, const std::wstring& standIn) {
   };
   Place place;
   bool found = false;
-  editor::forEachNode(tree, [&](const ast::Node& node) {
+  auto look = [&](const ast::Node& node) {
     if (found) return;
     Place here{Role::Nothing, node, {}};
     if (ast::nodeIs<ast::ColumnReference>(node)) {
@@ -205,7 +205,11 @@ Place findPlace(const ast::Node& tree, const std::wstring& standIn) {
     }
     place = std::move(here);
     found = true;
-  });
+  };
+  // The node around the stand-in's place holds it but for a few kinds of names; only then is
+  // the whole tree searched.
+  look(likely);
+  if (!found) editor::forEachNode(tree, look);
   return place;
 }
 
@@ -297,10 +301,13 @@ void addNames(Collector& out, const std::string& text, std::size_t wordBegin, st
               const Catalogue& catalogue) {
   // A stand-in that the statement does not hold already.
   std::string standIn = "zq_velmor_cursor";
-  while (normalized(fromUtf8(text)).find(normalized(fromUtf8(standIn))) != std::wstring::npos) standIn += '_';
+  std::string folded = text; // ASCII letters folded: the stand-in is lower-case ASCII
+  for (char& c : folded) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  while (folded.find(standIn) != std::string::npos) standIn += '_';
   const auto reading = editor::Reading::read(text, wordBegin, wordEnd, standIn);
   if (!reading) return;
-  const Place place = findPlace(reading->tree(), fromUtf8(standIn));
+  const std::size_t standInAt = reading->fromGiven(wordBegin);
+  const Place place = findPlace(reading->tree(), fromUtf8(standIn), reading->innermost(standInAt, standInAt + standIn.size()));
   switch (place.role) {
   case Role::Nothing:
     return;

@@ -6,6 +6,7 @@
 #include <velmor/sql/errors/SemanticErrors.h>
 
 #include "inference/ResultColumns.h"
+#include "inference/Resolutions.h"
 #include "inference/StandardAnalysis.h"
 #include "types/ColumnOrder.h"
 
@@ -186,6 +187,7 @@ std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const
     if (!ast::nodeIs<ast::QuerySpecification>(query)) return std::make_shared<GenericTableInfo>(std::vector<ColumnInfo>{});
     return buildTableInfo(global, tables, ast::getNodeValue<ast::QuerySpecification>(query), external);
   }
+  const detail::ResolutionScope resolutions;
   detail::StandardAnalysis analysis(global, tables, nullptr);
   detail::LevelScope outside(nullptr);
   outside.m_local = external;

@@ -5,12 +5,14 @@
 #include <velmor/sql/errors/SemanticErrors.h>
 #include <velmor/sql/types/Strings.h>
 
+#include "ast/RecordOf.h"
 #include "common/DeepStack.h"
 #include "inference/Resolutions.h"
 #include "inference/ResultColumns.h"
 #include "types/ColumnOrder.h"
 
 #include <algorithm>
+#include <deque>
 #include <cstddef>
 #include <utility>
 
@@ -20,34 +22,54 @@ using type::PlainType;
 
 namespace {
 
-bool isQuery(const ast::Node& node) {
-  return ast::nodeIs<ast::QuerySpecification>(node) || ast::nodeIs<ast::QueryOperation>(node);
-}
+// What a level walk needs to know of a node, from one visit of it.
+class Shape final : public ast::NodeVisitor {
+public:
+  using ast::NodeVisitor::visit;
+  void visit(const ast::Operation& record) override { operation = &record; }
+  void visit(const ast::Function& record) override { function = &record; }
+  void visit(const ast::ColumnReference& record) override { reference = &record; }
+  void visit(const ast::QuerySpecification&) override { query = true; }
+  void visit(const ast::QueryOperation&) override { query = true; }
+  void visit(const ast::Number&) override { leaf = true; }
+  void visit(const ast::String&) override { leaf = true; }
+  void faultAction() override {}
+
+  const ast::Operation* operation = nullptr;
+  const ast::Function* function = nullptr;
+  const ast::ColumnReference* reference = nullptr;
+  bool query = false;
+  bool leaf = false;
+};
 
 // Walks the expressions of one query level, parent before children and in the order of the
-// text, without entering the queries nested in it. `visit` answers whether to go below a node.
+// text, without entering the queries nested in it. `visit(node, shape)` answers whether to go
+// below a node.
 template <class Visit>
 void walkLevel(const ast::Node& root, Visit&& visit) {
-  std::vector<ast::Node> stack{root};
+  // Pointers into the tree, which outlives the walk; the children of the rarer kinds are
+  // listed once and kept beside it, so that their places stay put.
+  std::vector<const ast::Node*> stack{&root};
+  std::deque<std::vector<ast::Node>> listed;
+  auto pushAll = [&stack](const auto& nodes) {
+    for (auto child = nodes.rbegin(); child != nodes.rend(); ++child) stack.push_back(&*child);
+  };
   while (!stack.empty()) {
-    const ast::Node node = std::move(stack.back());
+    const ast::Node& node = *stack.back();
     stack.pop_back();
-    if (node.isNull() || isQuery(node)) continue;
-    if (!visit(node)) continue;
-    // Operations and calls, the bulk of any clause, hand out their operands without a list of
-    // children being made.
-    if (ast::nodeIs<ast::Operation>(node)) {
-      const auto& operands = ast::getNodeValue<ast::Operation>(node).operands;
-      for (auto child = operands.rbegin(); child != operands.rend(); ++child) stack.push_back(*child);
-      continue;
+    if (node.isNull()) continue;
+    Shape shape;
+    node.mImpl->accept(shape);
+    if (shape.query || !visit(node, shape)) continue;
+    // Operations and calls, the bulk of any clause, hand out their operands in place.
+    if (shape.operation) {
+      pushAll(shape.operation->operands);
+    } else if (shape.function) {
+      pushAll(shape.function->arguments);
+    } else if (!shape.reference && !shape.leaf) {
+      listed.push_back(ast::children(node));
+      pushAll(listed.back());
     }
-    if (ast::nodeIs<ast::Function>(node)) {
-      const auto& arguments = ast::getNodeValue<ast::Function>(node).arguments;
-      for (auto child = arguments.rbegin(); child != arguments.rend(); ++child) stack.push_back(*child);
-      continue;
-    }
-    std::vector<ast::Node> below = ast::children(node);
-    for (auto child = below.rbegin(); child != below.rend(); ++child) stack.push_back(std::move(*child));
   }
 }
 
@@ -143,35 +165,35 @@ private:
   bool sameRecord(const ast::Node& x, const ast::Node& y) const {
     if (ast::nodeIs<ast::ColumnReference>(x)) {
       if (!ast::nodeIs<ast::ColumnReference>(y)) return false;
-      const auto& a = ast::getNodeValue<ast::ColumnReference>(x);
-      const auto& b = ast::getNodeValue<ast::ColumnReference>(y);
+      const auto& a = ast::detail::recordIn<ast::ColumnReference>(x);
+      const auto& b = ast::detail::recordIn<ast::ColumnReference>(y);
       if (normalized(a.table) == normalized(b.table) && normalized(a.column) == normalized(b.column)) return true;
       const ColumnInfo ca = resolve(a);
       const ColumnInfo cb = resolve(b);
       return !ca.isNull() && !cb.isNull() && !(ca < cb) && !(cb < ca);
     }
     if (ast::nodeIs<ast::Number>(x)) {
-      return ast::nodeIs<ast::Number>(y) && ast::getNodeValue<ast::Number>(x).text == ast::getNodeValue<ast::Number>(y).text;
+      return ast::nodeIs<ast::Number>(y) && ast::detail::recordIn<ast::Number>(x).text == ast::detail::recordIn<ast::Number>(y).text;
     }
     if (ast::nodeIs<ast::String>(x)) {
       return ast::nodeIs<ast::String>(y) &&
-             ast::getNodeValue<ast::String>(x).value.toString() == ast::getNodeValue<ast::String>(y).value.toString();
+             ast::detail::recordIn<ast::String>(x).value.toString() == ast::detail::recordIn<ast::String>(y).value.toString();
     }
     if (ast::nodeIs<ast::Function>(x)) {
       if (!ast::nodeIs<ast::Function>(y)) return false;
-      const auto& a = ast::getNodeValue<ast::Function>(x);
-      const auto& b = ast::getNodeValue<ast::Function>(y);
+      const auto& a = ast::detail::recordIn<ast::Function>(x);
+      const auto& b = ast::detail::recordIn<ast::Function>(y);
       return normalized(a.name) == normalized(b.name) && a.asterisk == b.asterisk && a.setQuantifier == b.setQuantifier;
     }
     if (ast::nodeIs<ast::Operation>(x)) {
       if (!ast::nodeIs<ast::Operation>(y)) return false;
-      const auto& a = ast::getNodeValue<ast::Operation>(x);
-      const auto& b = ast::getNodeValue<ast::Operation>(y);
+      const auto& a = ast::detail::recordIn<ast::Operation>(x);
+      const auto& b = ast::detail::recordIn<ast::Operation>(y);
       return a.operation == b.operation && a.quantifier == b.quantifier;
     }
     if (ast::nodeIs<ast::TernaryLogicNode>(x)) {
       return ast::nodeIs<ast::TernaryLogicNode>(y) &&
-             ast::getNodeValue<ast::TernaryLogicNode>(x).value == ast::getNodeValue<ast::TernaryLogicNode>(y).value;
+             ast::detail::recordIn<ast::TernaryLogicNode>(x).value == ast::detail::recordIn<ast::TernaryLogicNode>(y).value;
     }
     // Anything else (rows, lists, queries) is never taken for a grouped expression.
     return false;
@@ -227,7 +249,7 @@ Family familyOf(PlainType type) {
 
 bool isNullLiteral(const ast::Node& node) {
   return ast::nodeIs<ast::TernaryLogicNode>(node) &&
-         ast::getNodeValue<ast::TernaryLogicNode>(node).value.value() == TernaryLogic::Unknown;
+         ast::detail::recordIn<ast::TernaryLogicNode>(node).value.value() == TernaryLogic::Unknown;
 }
 
 } // namespace
@@ -340,8 +362,12 @@ void StandardAnalysis::typeClause(const LevelScope& level, const ast::Node& clau
 }
 
 bool StandardAnalysis::isAggregateCall(const ast::Node& node) const {
-  if (!ast::nodeIs<ast::Function>(node)) return false;
-  const auto info = mGlobal.function(ast::getNodeValue<ast::Function>(node).name);
+  return isAggregateCall(ast::detail::recordOf<ast::Function>(node));
+}
+
+bool StandardAnalysis::isAggregateCall(const ast::Function* function) const {
+  if (!function) return false;
+  const auto info = mGlobal.function(function->name);
   return info && info->kind() == FunctionKind::Aggregate;
 }
 
@@ -373,11 +399,11 @@ void StandardAnalysis::checkStatement(const ast::Node& statement, const std::sha
   outside.m_local = external;
   const LevelScope* outer = external ? &outside : nullptr;
   if (ast::nodeIs<ast::UpdateStatement>(statement)) {
-    checkUpdate(ast::getNodeValue<ast::UpdateStatement>(statement), statement, outer);
+    checkUpdate(ast::detail::recordIn<ast::UpdateStatement>(statement), statement, outer);
   } else if (ast::nodeIs<ast::InsertStatement>(statement)) {
-    checkInsert(ast::getNodeValue<ast::InsertStatement>(statement), statement, outer);
+    checkInsert(ast::detail::recordIn<ast::InsertStatement>(statement), statement, outer);
   } else if (ast::nodeIs<ast::DeleteStatement>(statement)) {
-    checkDelete(ast::getNodeValue<ast::DeleteStatement>(statement), statement, outer);
+    checkDelete(ast::detail::recordIn<ast::DeleteStatement>(statement), statement, outer);
   } else {
     checkQuery(statement, outer);
   }
@@ -391,19 +417,19 @@ StandardAnalysis::Columns StandardAnalysis::checkQuery(const ast::Node& query, c
 
 StandardAnalysis::Columns StandardAnalysis::checkQueryHere(const ast::Node& query, const LevelScope* outer) {
   if (ast::nodeIs<ast::QuerySpecification>(query)) {
-    return checkSpecification(ast::getNodeValue<ast::QuerySpecification>(query), outer);
+    return checkSpecification(ast::detail::recordIn<ast::QuerySpecification>(query), outer);
   }
   if (ast::nodeIs<ast::QueryOperation>(query)) {
-    return checkOperation(ast::getNodeValue<ast::QueryOperation>(query), query, outer);
+    return checkOperation(ast::detail::recordIn<ast::QueryOperation>(query), query, outer);
   }
   if (ast::nodeIs<ast::RowValueExpressionList>(query)) {
-    return checkValues(ast::getNodeValue<ast::RowValueExpressionList>(query), outer);
+    return checkValues(ast::detail::recordIn<ast::RowValueExpressionList>(query), outer);
   }
   if (ast::nodeIs<ast::ExplicitTable>(query)) {
-    return checkExplicitTable(ast::getNodeValue<ast::ExplicitTable>(query), query);
+    return checkExplicitTable(ast::detail::recordIn<ast::ExplicitTable>(query), query);
   }
   if (ast::nodeIs<ast::DerivedTable>(query)) {
-    return checkQuery(ast::getNodeValue<ast::DerivedTable>(query).query, outer);
+    return checkQuery(ast::detail::recordIn<ast::DerivedTable>(query).query, outer);
   }
   return {};
 }
@@ -413,7 +439,7 @@ StandardAnalysis::Columns StandardAnalysis::checkQueryHere(const ast::Node& quer
 
 std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node& reference, LevelScope& level) {
   if (ast::nodeIs<ast::TablePrimary>(reference)) {
-    const auto& primary = ast::getNodeValue<ast::TablePrimary>(reference);
+    const auto& primary = ast::detail::recordIn<ast::TablePrimary>(reference);
     const std::wstring& name = primary.alias.empty() ? primary.table : primary.alias;
     level.m_names.push_back({normalized(name), name, reference, nullptr});
     std::shared_ptr<TableInfo> info = mTables.table(primary.table);
@@ -430,7 +456,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
     return scope;
   }
   if (ast::nodeIs<ast::DerivedTable>(reference)) {
-    const auto& derived = ast::getNodeValue<ast::DerivedTable>(reference);
+    const auto& derived = ast::detail::recordIn<ast::DerivedTable>(reference);
     // A derived table sees the levels around its query, not the tables beside it.
     Columns columns = checkQuery(derived.query, level.m_parent);
     if (!columns.complete) {
@@ -444,7 +470,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
     return scope;
   }
   if (ast::nodeIs<ast::JoinNode>(reference)) {
-    const auto& join = ast::getNodeValue<ast::JoinNode>(reference);
+    const auto& join = ast::detail::recordIn<ast::JoinNode>(reference);
     const std::size_t firstName = level.m_names.size();
     std::shared_ptr<ColumnInfoScope> left = fromReference(join.left, level);
     std::shared_ptr<ColumnInfoScope> right = fromReference(join.right, level);
@@ -454,7 +480,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
     }
     std::vector<std::wstring> shared;
     if (ast::nodeIs<ast::NamedColumnsJoin>(join.specification)) {
-      for (const std::wstring& column : ast::getNodeValue<ast::NamedColumnsJoin>(join.specification).columns) {
+      for (const std::wstring& column : ast::detail::recordIn<ast::NamedColumnsJoin>(join.specification).columns) {
         part([&] {
           if (left->columnInfo({}, column).isNull() || right->columnInfo({}, column).isNull()) {
             fault(UnknownColumnReference({}, column), &join.specification);
@@ -481,7 +507,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
       on.m_incomplete = level.m_incomplete;
       on.m_failed = level.m_failed;
       if (mObserver) on.m_names.assign(level.m_names.begin() + static_cast<std::ptrdiff_t>(firstName), level.m_names.end());
-      const ast::Node& condition = ast::getNodeValue<ast::JoinCondition>(join.specification).condition;
+      const ast::Node& condition = ast::detail::recordIn<ast::JoinCondition>(join.specification).condition;
       typeClause(on, condition);
       checkAggregates(condition);
     }
@@ -500,7 +526,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
 
 void StandardAnalysis::selectItem(const ast::Node& item, LevelScope& level, std::int32_t& counter, Columns& result) {
   if (ast::nodeIs<ast::QualifiedAsterisk>(item)) {
-    const std::wstring& table = ast::getNodeValue<ast::QualifiedAsterisk>(item).table;
+    const std::wstring& table = ast::detail::recordIn<ast::QualifiedAsterisk>(item).table;
     part([&] {
       const AsteriskColumns pairs = level.columnsForAsterisk(table);
       if (pairs.empty() && !table.empty()) {
@@ -519,7 +545,7 @@ void StandardAnalysis::selectItem(const ast::Node& item, LevelScope& level, std:
     return;
   }
   if (!ast::nodeIs<ast::DerivedColumn>(item)) return;
-  const auto& derived = ast::getNodeValue<ast::DerivedColumn>(item);
+  const auto& derived = ast::detail::recordIn<ast::DerivedColumn>(item);
   const bool reference = ast::nodeIs<ast::ColumnReference>(derived.expression);
   std::wstring name = derived.alias;
   // The counter moves for every unnamed calculated item, typed or not, so names stay stable.
@@ -528,7 +554,7 @@ void StandardAnalysis::selectItem(const ast::Node& item, LevelScope& level, std:
   part([&] {
     std::shared_ptr<Type> type = typeIn(level, derived.expression);
     if (reference) {
-      const auto& column = ast::getNodeValue<ast::ColumnReference>(derived.expression);
+      const auto& column = ast::detail::recordIn<ast::ColumnReference>(derived.expression);
       ColumnInfo found = level.columnInfo(column.table, column.column);
       if (!derived.alias.empty()) found = found.rename(derived.alias);
       result.columns.push_back(std::move(found));
@@ -590,6 +616,9 @@ StandardAnalysis::Columns StandardAnalysis::checkSpecification(const ast::QueryS
 StandardAnalysis::Columns StandardAnalysis::checkOperation(const ast::QueryOperation& operation,
                                                           const ast::Node& node, const LevelScope* outer) {
   Columns left = checkQuery(operation.left, outer);
+  // The columns are the left side's: a watcher that spares what it does not ask about spares a
+  // right side that holds none of its nodes.
+  if (mObserver && !mObserver->wants(operation.right)) return left;
   const Columns right = checkQuery(operation.right, outer);
   if (left.complete && right.complete && left.columns.size() != right.columns.size()) {
     fault(ColumnCountMismatch(left.columns.size(), right.columns.size()), &node);
@@ -649,8 +678,8 @@ StandardAnalysis::Columns StandardAnalysis::checkExplicitTable(const ast::Explic
 
 void StandardAnalysis::checkAggregates(const ast::Node& condition) {
   if (mObserver) return; // faults only
-  walkLevel(condition, [&](const ast::Node& node) {
-    if (!isAggregateCall(node)) return true;
+  walkLevel(condition, [&](const ast::Node& node, const Shape& shape) {
+    if (!isAggregateCall(shape.function)) return true;
     fault(AggregateInWhereClause(), &node);
     return false;
   });
@@ -661,7 +690,7 @@ void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const
   if (!level.m_local) return;
   std::vector<ast::Node> checked;
   for (const ast::Node& item : query.selectList) {
-    if (ast::nodeIs<ast::DerivedColumn>(item)) checked.push_back(ast::getNodeValue<ast::DerivedColumn>(item).expression);
+    if (ast::nodeIs<ast::DerivedColumn>(item)) checked.push_back(ast::detail::recordIn<ast::DerivedColumn>(item).expression);
   }
   if (!query.having.isNull()) checked.push_back(query.having);
   const std::size_t orderFrom = checked.size();
@@ -669,8 +698,8 @@ void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const
 
   bool grouped = !query.groupBy.empty();
   for (std::size_t i = 0; i < checked.size() && !grouped; ++i) {
-    walkLevel(checked[i], [&](const ast::Node& node) {
-      if (isAggregateCall(node)) grouped = true;
+    walkLevel(checked[i], [&](const ast::Node&, const Shape& shape) {
+      if (isAggregateCall(shape.function)) grouped = true;
       return !grouped;
     });
   }
@@ -681,20 +710,20 @@ void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const
   std::vector<ast::Node> keys(query.groupBy.begin(), query.groupBy.end());
   for (const ast::ExpressionNode& key : query.groupBy) {
     if (ast::nodeIs<ast::Number>(key)) {
-      const auto& number = ast::getNodeValue<ast::Number>(key);
+      const auto& number = ast::detail::recordIn<ast::Number>(key);
       if (number.kind == ast::NumberKind::Integer) {
         const std::uint64_t position = number.unsignedInteger();
         if (position >= 1 && position <= query.selectList.size()) {
           const ast::Node& item = query.selectList[position - 1];
-          if (ast::nodeIs<ast::DerivedColumn>(item)) keys.push_back(ast::getNodeValue<ast::DerivedColumn>(item).expression);
+          if (ast::nodeIs<ast::DerivedColumn>(item)) keys.push_back(ast::detail::recordIn<ast::DerivedColumn>(item).expression);
         }
       }
     } else if (ast::nodeIs<ast::ColumnReference>(key)) {
-      const auto& reference = ast::getNodeValue<ast::ColumnReference>(key);
+      const auto& reference = ast::detail::recordIn<ast::ColumnReference>(key);
       if (!reference.table.empty()) continue;
       for (const ast::Node& item : query.selectList) {
         if (!ast::nodeIs<ast::DerivedColumn>(item)) continue;
-        const auto& derived = ast::getNodeValue<ast::DerivedColumn>(item);
+        const auto& derived = ast::detail::recordIn<ast::DerivedColumn>(item);
         if (!derived.alias.empty() && normalized(derived.alias) == normalized(reference.column)) {
           keys.push_back(derived.expression);
         }
@@ -705,13 +734,13 @@ void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const
   const SameExpression same(level);
   for (std::size_t i = 0; i < checked.size(); ++i) {
     const bool inOrderBy = i >= orderFrom;
-    walkLevel(checked[i], [&](const ast::Node& node) {
-      if (isAggregateCall(node)) return false;
+    walkLevel(checked[i], [&](const ast::Node& node, const Shape& shape) {
+      if (isAggregateCall(shape.function)) return false;
       for (const ast::Node& key : keys) {
         if (same(node, key)) return false;
       }
-      if (!ast::nodeIs<ast::ColumnReference>(node)) return true;
-      const auto& reference = ast::getNodeValue<ast::ColumnReference>(node);
+      if (!shape.reference) return true;
+      const auto& reference = *shape.reference;
       try {
         // An output name in ORDER BY is the output column; elsewhere the FROM's column wins.
         if (inOrderBy && reference.table.empty() && !level.m_output->columnInfo({}, reference.column).isNull()) {
@@ -807,9 +836,9 @@ void StandardAnalysis::checkInsert(const ast::InsertStatement& insert, const ast
   if (source.isNull()) return; // DEFAULT VALUES
   LevelScope level(outer);
   if (ast::nodeIs<ast::RowValueExpressionList>(source)) {
-    for (const ast::ExpressionNode& row : ast::getNodeValue<ast::RowValueExpressionList>(source).rows) {
+    for (const ast::ExpressionNode& row : ast::detail::recordIn<ast::RowValueExpressionList>(source).rows) {
       std::vector<ast::ExpressionNode> values;
-      if (ast::nodeIs<ast::RowValueExpression>(row)) values = ast::getNodeValue<ast::RowValueExpression>(row).values;
+      if (ast::nodeIs<ast::RowValueExpression>(row)) values = ast::detail::recordIn<ast::RowValueExpression>(row).values;
       else values.push_back(row);
       if (targetsKnown && values.size() != targets.size()) {
         fault(ColumnCountMismatch(targets.size(), values.size()), &row);

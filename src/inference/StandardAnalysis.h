@@ -71,8 +71,9 @@ public:
   virtual void typing(const ast::Node& expression, const LevelScope& level) = 0;
   /// `item` (a table or a derived table of a FROM) now stands in `level`'s names.
   virtual void declared(const ast::Node& item, const LevelScope& level) = 0;
-  /// Whether a clause that adds no columns (WHERE, ON, GROUP BY, HAVING, ORDER BY) is to be
-  /// typed at all: a watcher that asks about a few nodes spares the rest.
+  /// Whether a part that adds no columns (WHERE, ON, GROUP BY, HAVING, ORDER BY, the right side
+  /// of a set operation) is to be checked at all: a watcher that asks about a few nodes spares
+  /// the rest.
   virtual bool wants(const ast::Node& clause) const = 0;
 };
 
@@ -122,6 +123,7 @@ private:
   /// Types a clause that adds no columns as one part, unless the observer spares it.
   void typeClause(const LevelScope& level, const ast::Node& clause);
   bool isAggregateCall(const ast::Node& node) const;
+  bool isAggregateCall(const ast::Function* function) const;
   bool assignable(const std::shared_ptr<Type>& target, const std::shared_ptr<Type>& source,
                   const ast::Node* value) const;
 

@@ -222,7 +222,7 @@ std::shared_ptr<Type> TypeInferer::functionType(const ast::Function& function) {
   if (!info) throw UnknownFunction(function.name);
   const std::vector<std::shared_ptr<Type>> types = inferTypes(function.arguments);
   const std::shared_ptr<OverloadInfo> overload = findOverload(function, info, types);
-  return overload->calcFullType(convertTypes(types, overload->parameterTypes(function.arguments.size())));
+  return overload->calcFullType(convertFor(types, *overload, function.arguments.size()));
 }
 
 std::shared_ptr<Type> TypeInferer::operatorType(const ast::Operation& operation) {
@@ -230,7 +230,7 @@ std::shared_ptr<Type> TypeInferer::operatorType(const ast::Operation& operation)
   if (!info) throw OperatorNotSupported(operation.operation);
   const std::vector<std::shared_ptr<Type>> types = operationTypes(operation);
   const std::shared_ptr<OperatorOverloadInfo> overload = findOperatorOverload(operation, info, types);
-  return overload->calcFullType(convertTypes(types, overload->parameterTypes(operation.operands.size())));
+  return overload->calcFullType(convertFor(types, *overload, operation.operands.size()));
 }
 
 std::vector<std::shared_ptr<Type>> TypeInferer::operationTypes(const ast::Operation& operation) const {
@@ -460,6 +460,25 @@ std::vector<std::shared_ptr<Type>> TypeInferer::convertTypes(const std::vector<s
       result.push_back(type);
     } else {
       result.push_back(mGlobalContext.convert(type, to[i]));
+    }
+  }
+  return result;
+}
+
+std::vector<std::shared_ptr<Type>> TypeInferer::convertFor(const std::vector<std::shared_ptr<Type>>& types,
+                                                           const OverloadInfo& overload, std::size_t count) const {
+  // convertTypes(types, overload.parameterTypes(count)), without the list of parameter types.
+  const std::size_t n = types.size();
+  VELMOR_SQL_ASSERT(n == count, "TypeInferer");
+  std::vector<std::shared_ptr<Type>> result;
+  result.reserve(n);
+  for (std::size_t i = 0; i < n; ++i) {
+    const std::shared_ptr<Type>& type = types[i];
+    const PlainType to = i < count ? overload.parameterType(i) : PlainType::Fault;
+    if (!type || i >= count || type->plainType() == to) {
+      result.push_back(type);
+    } else {
+      result.push_back(mGlobalContext.convert(type, to));
     }
   }
   return result;

@@ -69,9 +69,14 @@ std::wstring tokenName(const Reading& reading, const TokenPlace& token) {
   return normalized(fromUtf8(bytes));
 }
 
-// The innermost node whose range holds the token [begin, end).
+// The innermost node whose range holds the token [begin, end); null when not even the
+// statement does.
 ast::Node nodeAround(const Reading& reading, std::size_t begin, std::size_t end) {
-  ast::Node best;
+  // Down through the nodes that hold the token; where that stops at the statement (a sort key
+  // is no child of its query), every node is looked at.
+  ast::Node best = reading.innermost(begin, end);
+  if (best.mImpl != reading.tree().mImpl) return best;
+  best = {};
   std::size_t bestSize = ~std::size_t{0};
   editor::forEachNode(reading.tree(), [&](const ast::Node& node) {
     const SourceRange* range = reading.range(node);

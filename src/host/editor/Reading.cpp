@@ -233,6 +233,23 @@ std::size_t Reading::fromGiven(std::size_t offset) const {
   return mInserted.toAfter(at);
 }
 
+ast::Node Reading::innermost(std::size_t begin, std::size_t end) const {
+  ast::Node at = mTree;
+  for (;;) {
+    ast::Node next;
+    for (ast::Node& child : ast::children(at)) {
+      if (child.isNull()) continue;
+      const SourceRange* range = mRanges->find(child);
+      if (range && range->beginOffset <= begin && end <= range->endOffset) {
+        next = std::move(child);
+        break;
+      }
+    }
+    if (next.isNull()) return at;
+    at = std::move(next);
+  }
+}
+
 std::size_t Reading::tokenAt(std::size_t offset) const {
   return static_cast<std::size_t>(
       std::lower_bound(mTokens.begin(), mTokens.end(), offset,

@@ -76,6 +76,9 @@ public:
   const SourceRange* range(const ast::Node& node) const { return mRanges->find(node); }
   /// The first token that begins at or after `offset` of the mended text.
   std::size_t tokenAt(std::size_t offset) const;
+  /// The innermost node whose range holds [begin, end) of the mended text, found by going down
+  /// only through nodes that hold it; the tree itself when no node below does.
+  ast::Node innermost(std::size_t begin, std::size_t end) const;
 
 private:
   std::string mText;

@@ -207,6 +207,8 @@ private:
 
   QueryAnalysis* mAnalysis = nullptr;
   std::shared_ptr<QueryAnalysis> mOwnAnalysis;
+  std::vector<std::shared_ptr<Type>> convertFor(const std::vector<std::shared_ptr<Type>>& types,
+                                                const OverloadInfo& overload, std::size_t count) const;
   // The overloads chosen so far in the check that made this inferer, if one runs.
   detail::Resolutions* mResolutions = nullptr;
   std::shared_ptr<OperatorOverloadInfo> resolveOperatorOverload(const ast::Operation& operation,
