@@ -2,6 +2,27 @@
 // thread's own stack read once per thread.
 #include "common/DeepStack.h"
 
+#if defined(__EMSCRIPTEN__)
+// WebAssembly has no way to switch the engine's own call stack: walks recurse in place, and the
+// web package bounds the depth with the parser's nesting limit instead.
+namespace velmor::sql::detail {
+
+// Known from the start and without bounds: no frame is ever taken for low.
+constinit thread_local ThreadStack tStack{true, 0, 0, nullptr};
+
+bool stackIsLow() noexcept { return false; }
+WalkWatch* walkWatch() noexcept { return tStack.watch; }
+WalkWatch* setWalkWatch(WalkWatch* watch) noexcept {
+  WalkWatch* const previous = tStack.watch;
+  tStack.watch = watch;
+  return previous;
+}
+bool walkNeedsCareSlow() noexcept { return tStack.watch != nullptr; }
+void runOnFreshStack(void (*body)(void*), void* argument) { body(argument); }
+
+} // namespace velmor::sql::detail
+#else
+
 #include <pthread.h>
 #include <sys/mman.h>
 #include <ucontext.h>
@@ -179,3 +200,5 @@ void runOnFreshStack(void (*body)(void*), void* argument) {
 }
 
 } // namespace velmor::sql::detail
+
+#endif

@@ -10,7 +10,7 @@ namespace velmor::sql {
 namespace {
 std::size_t slotOf(const ast::NodeInterface* node, std::size_t mask) {
   // Nodes are at least 8-byte aligned: the low bits say nothing.
-  auto bits = reinterpret_cast<std::uintptr_t>(node) >> 3;
+  std::uint64_t bits = reinterpret_cast<std::uintptr_t>(node) >> 3;  // 64 bits wide on 32-bit targets too
   bits *= 0x9E3779B97F4A7C15ull;
   return static_cast<std::size_t>(bits >> 32) & mask;
 }
