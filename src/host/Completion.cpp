@@ -24,8 +24,6 @@ namespace velmor::sql::host {
 
 namespace {
 
-constexpr std::size_t none = ~std::size_t{0};
-
 bool isWordByte(unsigned char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '$' ||
          c >= 0x80;
