@@ -18,13 +18,6 @@
 namespace velmor::sql::test {
 namespace {
 
-// The width of the text before `offset`, as the statement line shows it (a column per code point).
-std::size_t width(const std::string& text, std::size_t offset) {
-  std::size_t columns = 0;
-  for (std::size_t i = 0; i < offset && i < text.size(); ++i) columns += (static_cast<unsigned char>(text[i]) & 0xC0) != 0x80;
-  return columns;
-}
-
 std::string describe(const std::string& input) {
   static const auto sample = host::gisSampleCatalogue();
   static const auto small = host::loadCatalogue(VELMOR_TEST_DATA_DIR "/cli/catalogues/small.json");
@@ -41,9 +34,9 @@ std::string describe(const std::string& input) {
   for (const auto& fault : faults) {
     if (!out.empty()) out += '\n';
     if (fault.range) {
-      const std::size_t from = width(sql, fault.range->beginOffset) + (useSmall ? 7 : 0);
+      const std::size_t from = codePointWidth(sql, fault.range->beginOffset) + (useSmall ? 7 : 0);
       out += std::string(from, ' ') +
-             std::string(width(sql, fault.range->endOffset) - width(sql, fault.range->beginOffset), '^') + ' ' +
+             std::string(codePointWidth(sql, fault.range->endOffset) - codePointWidth(sql, fault.range->beginOffset), '^') + ' ' +
              rangeText(*fault.range) + ' ';
     } else {
       out += "(no place) ";

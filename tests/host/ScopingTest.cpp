@@ -24,12 +24,6 @@
 namespace velmor::sql::test {
 namespace {
 
-std::size_t width(const std::string& text, std::size_t offset) {
-  std::size_t columns = 0;
-  for (std::size_t i = 0; i < offset && i < text.size(); ++i) columns += (static_cast<unsigned char>(text[i]) & 0xC0) != 0x80;
-  return columns;
-}
-
 std::string describe(const std::string& input) {
   static const auto sample = host::gisSampleCatalogue();
   const std::string prefix = "compatible: ";
@@ -48,9 +42,9 @@ std::string describe(const std::string& input) {
   for (const auto& fault : faults) {
     if (!out.empty()) out += '\n';
     if (fault.range) {
-      const std::size_t from = width(sql, fault.range->beginOffset) + shift;
+      const std::size_t from = codePointWidth(sql, fault.range->beginOffset) + shift;
       out += std::string(from, ' ') +
-             std::string(width(sql, fault.range->endOffset) - width(sql, fault.range->beginOffset), '^') + ' ';
+             std::string(codePointWidth(sql, fault.range->endOffset) - codePointWidth(sql, fault.range->beginOffset), '^') + ' ';
     } else {
       out += "(no place) ";
     }

@@ -166,4 +166,10 @@ void registerAllGolden() {
   for (const Request& request : requests()) registerFile(request.suite, request.file, request.describe);
 }
 
+std::size_t codePointWidth(const std::string& text, std::size_t offset) {
+  std::size_t columns = 0;
+  for (std::size_t i = 0; i < offset && i < text.size(); ++i) columns += (static_cast<unsigned char>(text[i]) & 0xC0) != 0x80;
+  return columns;
+}
+
 } // namespace velmor::sql::test

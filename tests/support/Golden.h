@@ -5,6 +5,7 @@
 // VELMOR_UPDATE_GOLDEN=1 rewrites every expectation from what the code gives now.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
@@ -18,6 +19,9 @@ using Describe = std::function<std::string(const std::string& input)>;
 std::wstring wideOf(const std::string& text);
 /// Wide text with units outside printable ASCII written as "\uXXXX".
 std::string shownOf(const std::wstring& text);
+
+/// The width of the UTF-8 text before `offset` as a line of it shows: a column per code point.
+std::size_t codePointWidth(const std::string& text, std::size_t offset);
 
 /// Asks for one test per input of data/<folder>/<file>, named after the file and its line. Safe
 /// in a static initialiser: the tests are made (and expectations rewritten) from main, once
