@@ -268,6 +268,20 @@ Rendered renderCheck(const Options& options, const std::string& file, const Docu
   return rendered;
 }
 
+// Parses the statement with the worker's parser; a syntax error is reported at its place.
+bool parseOrReport(const Options& options, const std::string& file, const DocumentStatement& statement, Worker& worker,
+                   Rendered& rendered) {
+  sql::SqlParser& parser = worker.parser;
+  if (parser.parse(statement.text)) return true;
+  const auto* error = dynamic_cast<const sql::UnexpectedLexeme*>(parser.errors.front().get());
+  const DocumentPlace place =
+      error ? sql::host::documentPlace(statement, sql::host::statementOffset(statement, error->line, error->column))
+            : statement.begin;
+  diagnose(options, file, statement, pointRange(place), "error", error ? error->text : parser.errors.front()->what(),
+           "SyntaxError", rendered, rendered.err);
+  return false;
+}
+
 Rendered renderFormat(const Options& options, const std::string& file, const DocumentStatement& statement,
                       Worker& worker) {
   Rendered rendered;
@@ -277,13 +291,7 @@ Rendered renderFormat(const Options& options, const std::string& file, const Doc
     return rendered;
   }
   sql::SqlParser& parser = worker.parser;
-  if (!parser.parse(statement.text)) {
-    const auto* error = dynamic_cast<const sql::UnexpectedLexeme*>(parser.errors.front().get());
-    const DocumentPlace place =
-        error ? sql::host::documentPlace(statement, sql::host::statementOffset(statement, error->line, error->column))
-              : statement.begin;
-    diagnose(options, file, statement, pointRange(place), "error", error ? error->text : parser.errors.front()->what(),
-             "SyntaxError", rendered, rendered.err);
+  if (!parseOrReport(options, file, statement, worker, rendered)) {
     // The statement stays as it was, so that the output is still the whole document.
     rendered.outcome = Outcome::Syntax;
     rendered.out = statement.source + ";\n";
@@ -325,13 +333,7 @@ Rendered renderColumns(const Options& options, const std::string& file, const Do
     return rendered;
   }
   sql::SqlParser& parser = worker.parser;
-  if (!parser.parse(statement.text)) {
-    const auto* error = dynamic_cast<const sql::UnexpectedLexeme*>(parser.errors.front().get());
-    const DocumentPlace place =
-        error ? sql::host::documentPlace(statement, sql::host::statementOffset(statement, error->line, error->column))
-              : statement.begin;
-    diagnose(options, file, statement, pointRange(place), "error", error ? error->text : parser.errors.front()->what(),
-             "SyntaxError", rendered, rendered.err);
+  if (!parseOrReport(options, file, statement, worker, rendered)) {
     rendered.outcome = Outcome::Syntax;
     return rendered;
   }
