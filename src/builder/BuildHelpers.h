@@ -5,13 +5,23 @@
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/builder/Keywords.h>
 
+#include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 namespace velmor::sql::builder {
 
 inline constexpr const char* kSource = "SqlStringBuilder";
+
+inline constexpr std::int32_t kLastBuiltinOperation = 50;
+
+/// Canonical texts of the built-in operators, indexed by their numbers.
+inline constexpr std::array<std::wstring_view, kLastBuiltinOperation + 1> kOperationTexts = {
+#define VELMOR_SQL_OPERATION(Name, Number, Text) std::wstring_view(L"" Text),
+#include <velmor/sql/ast/OperationCodes.def>
+};
 
 /// The record kinds, in slot order, and None for a node of EmptyNode.
 enum class Kind : unsigned char {

@@ -20,13 +20,8 @@ using builder::recordOf;
 
 namespace {
 
-constexpr std::int32_t kLastBuiltinOperation = 50;
-
-// Canonical texts of the built-in operators, indexed by their numbers.
-constexpr std::array<const wchar_t*, kLastBuiltinOperation + 1> kOperationTexts = {
-#define VELMOR_SQL_OPERATION(Name, Number, Text) L"" Text,
-#include <velmor/sql/ast/OperationCodes.def>
-};
+using builder::kLastBuiltinOperation;
+using builder::kOperationTexts;
 
 constexpr bool operationTableInOrder() {
   std::int32_t expected = 0;
@@ -142,7 +137,7 @@ std::wstring SqlStringBuilder::operationToString(OperationCode code) const {
     std::cerr << "Unhandled custom binary operation: " << number << '\n';
     return L"UNKNOWN_OPERATOR";
   }
-  if (number >= 1) return kOperationTexts[static_cast<std::size_t>(number)];
+  if (number >= 1) return std::wstring(kOperationTexts[static_cast<std::size_t>(number)]);
   std::cerr << "Unhandled builtin operation: " << number << '\n';
   VELMOR_SQL_ASSERT(false, kSource);
   return {};

@@ -27,6 +27,10 @@ SqlStringBuilder::SqlStringBuilder(const StringBuildContext* context) : mContext
 SqlStringBuilder::~SqlStringBuilder() = default;
 
 std::wstring SqlStringBuilder::buildString(const ast::Node& node) {
+  if (writesChainsWhole()) {
+    std::wstring text;
+    if (writeDirectly(node, text)) return text;
+  }
   const auto stackDepth = mStack.size();
   doVisit(node);
   // A node of EmptyNode pushes nothing; its text is empty rather than a fragment not ours.

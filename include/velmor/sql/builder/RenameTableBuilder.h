@@ -23,6 +23,10 @@ public:
 protected:
   std::wstring mOldName;
   std::wstring mNewName;
+
+private:
+  // The base's direct path renames as the two visits above do.
+  friend class SqlStringBuilder;
 };
 
 } // namespace velmor::sql

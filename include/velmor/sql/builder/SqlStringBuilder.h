@@ -9,6 +9,7 @@
 #include <functional>
 #include <stack>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace velmor::sql {
@@ -154,6 +155,17 @@ private:
   // a derived table over the next) written in one pass so that the cost stays linear in their
   // length; only where nothing could observe the inner links.
   bool writesChainsWhole() const;
+
+  // The library's own builders write a tree front to back into one buffer, without fragments;
+  // false when the tree has something that only the walk above reports (a fault, a node of
+  // EmptyNode where a record is due), and nothing has been written then.
+  bool writeDirectly(const ast::Node& node, std::wstring& text);
+  void giveUp(std::wstring& buffer, std::size_t links, std::size_t queries);
+  // Kept between calls for their capacity: the direct path's buffer and its work lists (links
+  // of an operator chain with whether each one's left side is grouped, links of a query chain).
+  std::wstring mDirectBuffer;
+  std::vector<std::pair<const ast::Operation*, bool>> mDirectLinks;
+  std::vector<const ast::QuerySpecification*> mDirectQueries;
   void writeUnaryChain(std::vector<const ast::Operation*>& chain);
   void writeInfixChain(std::vector<const ast::Operation*>& chain);
   static bool nestsQueries(const ast::QuerySpecification& query);

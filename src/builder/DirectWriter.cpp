@@ -1,0 +1,726 @@
+// The SQL writer's direct path: a tree's canonical text written front to back into one buffer,
+// for the library's own builders, whose visits, hooks and text functions nobody overrides.
+//
+// Every text below is the one the fragment walk of the other files in this folder makes; the
+// golden tests write each statement both ways. Where that walk would report a fault (a message
+// on std::cerr, an assertion, an exception), or meet a node of EmptyNode where a record is
+// due, this path gives up before anything is observable and the walk writes the tree instead.
+#include <velmor/sql/builder/RenameTableBuilder.h>
+#include <velmor/sql/builder/SqlStringBuilder.h>
+
+#include "builder/BuildHelpers.h"
+
+#include <velmor/sql/builder/Keywords.h>
+
+#include <algorithm>
+#include <cstring>
+#include <exception>
+#include <string_view>
+#include <typeinfo>
+#include <vector>
+
+namespace velmor::sql {
+
+namespace {
+
+using builder::Kind;
+using builder::kindOf;
+using builder::recordOf;
+
+// Thrown where the fragment walk would report something; caught in writeDirectly.
+struct GiveUp {};
+
+// A growing text over a buffer that the builder keeps: its size is the capacity in use, so
+// that no unit is initialised twice; the text is copied out once at the end.
+class Output {
+public:
+  explicit Output(std::wstring& storage) : mStorage(storage) {
+    if (mStorage.size() < kInitialSize) mStorage.resize(kInitialSize);
+    mBegin = mStorage.data();
+    mEnd = mBegin + mStorage.size();
+    mNext = mBegin;
+  }
+
+  void put(wchar_t unit) {
+    if (mNext == mEnd) grow(1);
+    *mNext++ = unit;
+  }
+  void put(const wchar_t* units, std::size_t count) {
+    if (static_cast<std::size_t>(mEnd - mNext) < count) grow(count);
+    std::memcpy(mNext, units, count * sizeof(wchar_t));
+    mNext += count;
+  }
+  void put(std::wstring_view text) { put(text.data(), text.size()); }
+  void put(const std::wstring& text) { put(text.data(), text.size()); }
+  template <std::size_t N>
+  void put(const wchar_t (&literal)[N]) {
+    put(literal, N - 1);
+  }
+  void repeat(wchar_t unit, std::size_t count) {
+    if (static_cast<std::size_t>(mEnd - mNext) < count) grow(count);
+    std::fill_n(mNext, count, unit);
+    mNext += count;
+  }
+
+  std::size_t size() const { return static_cast<std::size_t>(mNext - mBegin); }
+  std::wstring_view since(std::size_t start) const { return {mBegin + start, size() - start}; }
+  void truncate(std::size_t size) { mNext = mBegin + size; }
+  std::wstring text() const { return std::wstring(mBegin, mNext); }
+
+private:
+  static constexpr std::size_t kInitialSize = 1024;
+
+  [[gnu::noinline]] void grow(std::size_t count) {
+    const std::size_t used = size();
+    mStorage.resize(std::max(2 * mStorage.size(), used + count));
+    mBegin = mStorage.data();
+    mEnd = mBegin + mStorage.size();
+    mNext = mBegin + used;
+  }
+
+  std::wstring& mStorage;
+  wchar_t* mBegin;
+  wchar_t* mEnd;
+  wchar_t* mNext;
+};
+
+bool isPlusOrMinus(OperationCode code) { return code == OperationCode::Plus || code == OperationCode::Minus; }
+
+// The unary operators that write their operand behind them.
+bool writesPrefix(const ast::Operation& op) {
+  if (!op.unary()) return false;
+  switch (op.operation) {
+  case OperationCode::Not:
+  case OperationCode::Exists:
+  case OperationCode::Unique:
+  case OperationCode::Plus:
+  case OperationCode::Minus: return true;
+  default: return false;
+  }
+}
+
+// The binary operators written "left OP [quantifier] right".
+bool writesInfix(const ast::Operation& op) {
+  return op.operands.size() == 2 && op.operation != OperationCode::Case && op.operation != OperationCode::Cast;
+}
+
+// The operation below `node`, if it is one that `fits`.
+template <class Fits>
+const ast::Operation* chained(const ast::ExpressionNode& node, Fits fits) {
+  if (kindOf(node) != Kind::Operation) return nullptr;
+  const ast::Operation& op = recordOf<ast::Operation>(node);
+  return fits(op) ? &op : nullptr;
+}
+
+// The query that `query` selects from when its whole FROM is one derived table over a query.
+const ast::QuerySpecification* innerQuery(const ast::QuerySpecification& query) {
+  if (query.from.size() != 1 || kindOf(query.from[0]) != Kind::DerivedTable) return nullptr;
+  const auto& derived = recordOf<ast::DerivedTable>(query.from[0]);
+  if (kindOf(derived.query) != Kind::QuerySpecification) return nullptr;
+  return &recordOf<ast::QuerySpecification>(derived.query);
+}
+
+class DirectWriter final : public ast::NodeVisitor {
+public:
+  DirectWriter(const SqlStringBuilder& builder, const StringBuildContext* context, std::wstring& buffer,
+               std::vector<std::pair<const ast::Operation*, bool>>& links,
+               std::vector<const ast::QuerySpecification*>& queries, const std::wstring* oldName,
+               const std::wstring* newName)
+      : mBuilder(builder), mContext(context), mOut(buffer), mLinks(links), mQueries(queries),
+        mOldName(oldName), mNewName(newName), mKeywords(Keywords::instance()) {}
+
+  // False for a node of EmptyNode, which has no text.
+  bool writeTop(const ast::Node& node) {
+    mVisited = false;
+    node.accept(*this);
+    return mVisited;
+  }
+  std::wstring text() const { return mOut.text(); }
+
+  using ast::NodeVisitor::visit;
+  void visit(const ast::ColumnReference& record) override {
+    mVisited = true;
+    const std::wstring& table = renamed(record.table);
+    if (!table.empty()) {
+      name(table);
+      mOut.put(L'.');
+    }
+    name(record.column);
+  }
+  void visit(const ast::ContextuallyTypedValueSpecification& record) override {
+    mVisited = true;
+    switch (record.value) {
+    case ast::Value::Null: mOut.put(L"NULL"); return;
+    case ast::Value::Array: mOut.put(L"ARRAY()"); return;
+    case ast::Value::Multiset: mOut.put(L"MULTISET()"); return;
+    case ast::Value::Default: mOut.put(L"DEFAULT"); return;
+    }
+    throw GiveUp{};
+  }
+  void visit(const ast::DeleteStatement& record) override {
+    mVisited = true;
+    mOut.put(L"DELETE FROM ");
+    name(record.table);
+    if (!record.where.isNull()) {
+      mOut.put(L" WHERE ");
+      write(record.where);
+    }
+  }
+  void visit(const ast::DerivedColumn& record) override {
+    mVisited = true;
+    writeGrouped(record.expression, SqlStringBuilder::needParantheses(record.expression));
+    if (!record.alias.empty()) {
+      mOut.put(L" AS ");
+      name(record.alias);
+    }
+  }
+  void visit(const ast::DerivedTable& record) override {
+    mVisited = true;
+    mOut.put(L'(');
+    write(record.query);
+    mOut.put(L") AS ");
+    name(record.alias);
+  }
+  void visit(const ast::ExplicitTable& record) override {
+    mVisited = true;
+    mOut.put(L"TABLE ");
+    name(record.table);
+  }
+  void visit(const ast::FromSource& record) override {
+    mVisited = true;
+    if (record.defaultValues()) {
+      mOut.put(L"DEFAULT VALUES");
+      return;
+    }
+    if (!record.columns.empty()) columns(record.columns);
+    std::wstring_view overriding;
+    switch (record.overriding) {
+    case ast::Overriding::None: break;
+    case ast::Overriding::User: overriding = L"OVERRIDING USER VALUE"; break;
+    case ast::Overriding::System: overriding = L"OVERRIDING SYSTEM VALUE"; break;
+    }
+    if (!record.columns.empty() && !overriding.empty()) mOut.put(L' ');
+    mOut.put(overriding);
+    if (!record.columns.empty() || !overriding.empty()) mOut.put(L' ');
+    // A query stays bare; a row list is what VALUES introduces.
+    if (kindOf(record.source) == Kind::RowValueExpressionList) mOut.put(L"VALUES ");
+    write(record.source);
+  }
+  void visit(const ast::Function& record) override {
+    mVisited = true;
+    mOut.put(record.name);
+    if (record.asterisk) {
+      mOut.put(L"(*)");
+      return;
+    }
+    if (record.arguments.empty()) {
+      mOut.put(L"()");
+      return;
+    }
+    mOut.put(L'(');
+    if (record.setQuantifier == ast::SetQuantifier::Distinct) mOut.put(L"DISTINCT ");
+    for (std::size_t i = 0; i < record.arguments.size(); ++i) {
+      if (i != 0) mOut.put(L", ");
+      writeGrouped(record.arguments[i], SqlStringBuilder::needParantheses(record.arguments[i]));
+    }
+    mOut.put(L')');
+  }
+  void visit(const ast::InsertStatement& record) override {
+    mVisited = true;
+    mOut.put(L"INSERT INTO ");
+    name(record.table);
+    mOut.put(L' ');
+    visit(record.source);
+  }
+  void visit(const ast::IntoClause& record) override {
+    mVisited = true;
+    mOut.put(L"INTO ");
+    name(record.table);
+    if (record.noSelect) mOut.put(L" NOSELECT");
+  }
+  void visit(const ast::JoinCondition& record) override {
+    mVisited = true;
+    mOut.put(L"ON ");
+    write(record.condition);
+  }
+  void visit(const ast::JoinNode& record) override {
+    mVisited = true;
+    // The words between the sides; the walk reports a join type out of range.
+    std::wstring_view words;
+    switch (record.type) {
+    case ast::Join::Cross: words = L" CROSS JOIN "; break;
+    case ast::Join::Inner: words = L" JOIN "; break;
+    case ast::Join::LeftOuter: words = L" LEFT OUTER JOIN "; break;
+    case ast::Join::RightOuter: words = L" RIGHT OUTER JOIN "; break;
+    case ast::Join::FullOuter: words = L" FULL OUTER JOIN "; break;
+    }
+    if (words.empty()) throw GiveUp{};
+    // A join on the left reads flat; anything but a plain table on the right is grouped.
+    writeGrouped(record.left, SqlStringBuilder::needParantheses(record.left, false));
+    if (record.type != ast::Join::Cross && record.specification.isNull()) mOut.put(L" NATURAL");
+    mOut.put(words);
+    writeGrouped(record.right, SqlStringBuilder::needParantheses(record.right, true));
+    if (record.type != ast::Join::Cross && !record.specification.isNull()) {
+      mOut.put(L' ');
+      write(record.specification);
+    }
+  }
+  void visit(const ast::NamedColumnsJoin& record) override {
+    mVisited = true;
+    mOut.put(L"USING ");
+    columns(record.columns);
+  }
+  void visit(const ast::Number& record) override {
+    mVisited = true;
+    mOut.put(record.text);
+  }
+  void visit(const ast::Operation& record) override {
+    mVisited = true;
+    operation(record);
+  }
+  void visit(const ast::QualifiedAsterisk& record) override {
+    mVisited = true;
+    if (!record.table.empty()) {
+      name(record.table);
+      mOut.put(L'.');
+    }
+    mOut.put(L'*');
+  }
+  void visit(const ast::QueryOperation& record) override {
+    mVisited = true;
+    std::wstring_view words;
+    switch (record.operation) {
+    case ast::QueryOperationCode::Union: words = L" UNION "; break;
+    case ast::QueryOperationCode::Except: words = L" EXCEPT "; break;
+    case ast::QueryOperationCode::Intersect: words = L" INTERSECT "; break;
+    }
+    if (words.empty()) throw GiveUp{};
+    writeGrouped(record.left, SqlStringBuilder::needParantheses(record, record.left));
+    mOut.put(words);
+    if (!record.distinct) mOut.put(L"ALL ");
+    writeGrouped(record.right, SqlStringBuilder::needParantheses(record, record.right));
+  }
+  void visit(const ast::QuerySpecification& record) override;
+  void visit(const ast::RowValueExpression& record) override {
+    mVisited = true;
+    if (record.values.empty()) throw GiveUp{};
+    mOut.put(L'(');
+    for (std::size_t i = 0; i < record.values.size(); ++i) {
+      if (i != 0) mOut.put(L", ");
+      write(record.values[i]);
+    }
+    mOut.put(L')');
+  }
+  void visit(const ast::RowValueExpressionList& record) override {
+    mVisited = true;
+    // Each row brings its own parentheses; the list itself has none.
+    if (record.rows.empty()) throw GiveUp{};
+    for (std::size_t i = 0; i < record.rows.size(); ++i) {
+      if (i != 0) mOut.put(L", ");
+      write(record.rows[i]);
+    }
+  }
+  void visit(const ast::SetClause& clause) override {
+    mVisited = true;
+    if (clause.column.empty()) throw GiveUp{};
+    mOut.put(clause.column);
+    mOut.put(L" = ");
+    writeGrouped(clause.value, SqlStringBuilder::needParantheses(clause.value));
+  }
+  void visit(const ast::SortSpecification& record) override {
+    mVisited = true;
+    write(record.key);
+    if (!record.ascending) mOut.put(L" DESC");
+    switch (record.nulls) {
+    case ast::NullOrdering::Unspecified: break;
+    case ast::NullOrdering::First: mOut.put(L" NULLS FIRST"); break;
+    case ast::NullOrdering::Last: mOut.put(L" NULLS LAST"); break;
+    }
+  }
+  void visit(const ast::String& record) override {
+    mVisited = true;
+    string(record.value.value());
+  }
+  void visit(const ast::TablePrimary& record) override {
+    mVisited = true;
+    name(renamed(record.table));
+    if (!record.alias.empty()) {
+      mOut.put(L" AS ");
+      name(record.alias);
+    }
+  }
+  void visit(const ast::TernaryLogicNode& record) override {
+    mVisited = true;
+    // Any number that is neither true nor false reads as unknown.
+    const TernaryLogic::Value value = record.value.value();
+    if (value == TernaryLogic::True)
+      mOut.put(L"TRUE");
+    else if (value == TernaryLogic::False)
+      mOut.put(L"FALSE");
+    else
+      mOut.put(L"UNKNOWN");
+  }
+  void visit(const ast::UpdateStatement& record) override {
+    mVisited = true;
+    if (record.clauses.empty()) throw GiveUp{};
+    mOut.put(L"UPDATE ");
+    name(record.table);
+    mOut.put(L" SET ");
+    for (std::size_t i = 0; i < record.clauses.size(); ++i) {
+      if (i != 0) mOut.put(L", ");
+      visit(record.clauses[i]);
+    }
+    if (!record.where.isNull()) {
+      mOut.put(L" WHERE ");
+      write(record.where);
+    }
+  }
+  // The kinds the builder has no visit for (a node of LimitSpecification).
+  void faultAction() override { throw GiveUp{}; }
+
+private:
+  // A node whose record has a text; one of EmptyNode here would leave the walk's stack short.
+  void write(const ast::Node& node) {
+    mVisited = false;
+    node.accept(*this);
+    if (!mVisited) throw GiveUp{};
+  }
+  void writeGrouped(const ast::Node& node, bool grouped) {
+    if (!grouped) {
+      write(node);
+      return;
+    }
+    mOut.put(L'(');
+    write(node);
+    mOut.put(L')');
+  }
+
+  const std::wstring& renamed(const std::wstring& table) const {
+    return mOldName != nullptr && table == *mOldName ? *mNewName : table;
+  }
+  void name(const std::wstring& word) {
+    if (mKeywords.isOf(word)) {
+      mOut.put(L'[');
+      mOut.put(word);
+      mOut.put(L']');
+    } else {
+      mOut.put(word);
+    }
+  }
+  // Column lists are written as they stand, without bracketing reserved words.
+  void columns(const std::vector<std::wstring>& names) {
+    mOut.put(L'(');
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      if (i != 0) mOut.put(L", ");
+      mOut.put(names[i]);
+    }
+    mOut.put(L')');
+  }
+  void string(const std::wstring& value);
+  void unsignedNumber(std::uint64_t value) {
+    wchar_t digits[24];
+    wchar_t* end = digits + 24;
+    wchar_t* begin = end;
+    do {
+      *--begin = static_cast<wchar_t>(L'0' + value % 10);
+      value /= 10;
+    } while (value != 0);
+    mOut.put(begin, static_cast<std::size_t>(end - begin));
+  }
+
+  void operatorText(OperationCode code) {
+    const auto number = static_cast<std::int32_t>(code);
+    if (number > builder::kLastBuiltinOperation) {
+      if (mContext == nullptr) throw GiveUp{};
+      mOut.put(mContext->operatorToString(code));
+      return;
+    }
+    if (number < 1) throw GiveUp{};
+    mOut.put(builder::kOperationTexts[static_cast<std::size_t>(number)]);
+  }
+  void quantifierText(ast::Quantifier quantifier) {
+    switch (quantifier) {
+    case ast::Quantifier::None: return;
+    case ast::Quantifier::All: mOut.put(L"ALL "); return;
+    case ast::Quantifier::Any: mOut.put(L"ANY "); return;
+    }
+    throw GiveUp{};
+  }
+  void operation(const ast::Operation& op);
+  void prefixChain(const ast::Operation& op);
+  void infixChain(const ast::Operation& op);
+  void caseOperation(const std::vector<ast::ExpressionNode>& operands);
+
+  void selectHead(const ast::QuerySpecification& query);
+  void clausesAfterFrom(const ast::QuerySpecification& query);
+
+  const SqlStringBuilder& mBuilder;
+  const StringBuildContext* mContext;
+  Output mOut;
+  std::vector<std::pair<const ast::Operation*, bool>>& mLinks;
+  std::vector<const ast::QuerySpecification*>& mQueries;
+  const std::wstring* mOldName;
+  const std::wstring* mNewName;
+  const Keywords& mKeywords;
+  bool mVisited = false;
+};
+
+void DirectWriter::string(const std::wstring& value) {
+  // The value's escapes (as ASTStringValue::toString writes them), inside double quotes, with
+  // the quote of an escaped quote doubled as escape() doubles every quote: \"" for each ".
+  mOut.put(L'"');
+  const std::size_t length = value.size();
+  std::size_t run = 0;
+  for (std::size_t i = 0; i < length; ++i) {
+    const wchar_t unit = value[i];
+    std::wstring_view escaped;
+    switch (unit) {
+    case 0: escaped = std::wstring_view(L"\\0", 2); break;
+    case 8: escaped = L"\\b"; break;
+    case 9: escaped = L"\\t"; break;
+    case 10: escaped = L"\\n"; break;
+    case 13: escaped = L"\\r"; break;
+    case 22: escaped = L"\\Z"; break;
+    case L'"': escaped = L"\\\"\""; break;
+    case L'\\':
+      // An escaped LIKE wildcard was kept as a pair and goes out unchanged.
+      if (i + 1 < length && (value[i + 1] == L'%' || value[i + 1] == L'_')) {
+        ++i;
+        continue;
+      }
+      escaped = L"\\\\";
+      break;
+    default: continue;
+    }
+    mOut.put(value.data() + run, i - run);
+    mOut.put(escaped);
+    run = i + 1;
+  }
+  mOut.put(value.data() + run, length - run);
+  mOut.put(L'"');
+}
+
+void DirectWriter::operation(const ast::Operation& op) {
+  if (op.operation == OperationCode::Case) {
+    caseOperation(op.operands);
+    return;
+  }
+  if (writesPrefix(op)) {
+    prefixChain(op);
+    return;
+  }
+  if (writesInfix(op)) {
+    infixChain(op);
+    return;
+  }
+  // Left: unary operators the walk reports, CAST, and the ternary ones (BETWEEN). A CAST of
+  // three operands visits a third that it does not write, which only the walk can mirror.
+  if (op.unary() || op.operands.size() < 2) throw GiveUp{};
+  const bool ternary = op.operands.size() >= 3;
+  if (op.operation == OperationCode::Cast) {
+    if (ternary) throw GiveUp{};
+    mOut.put(L"CAST(");
+    writeGrouped(op.operands[0], mBuilder.needParantheses(op, false));
+    mOut.put(L" AS ");
+    writeGrouped(op.operands[1], mBuilder.needParantheses(op, true));
+    mOut.put(L')');
+    return;
+  }
+  writeGrouped(op.operands[0], mBuilder.needParantheses(op, false));
+  mOut.put(L' ');
+  operatorText(op.operation);
+  mOut.put(L' ');
+  quantifierText(op.quantifier);
+  writeGrouped(op.operands[1], mBuilder.needParantheses(op, true));
+  // The upper bound of BETWEEN is always grouped.
+  mOut.put(L" AND (");
+  write(op.operands[2]);
+  mOut.put(L')');
+}
+
+void DirectWriter::prefixChain(const ast::Operation& op) {
+  // Signs and their openings down the chain of prefix operators, the innermost operand, then
+  // all the closings: no recursion however long the chain.
+  std::size_t closing = 0;
+  const ast::Operation* link = &op;
+  for (;;) {
+    operatorText(link->operation);
+    if (!isPlusOrMinus(link->operation)) mOut.put(L' ');
+    if (mBuilder.needParantheses(*link, true)) {
+      mOut.put(L'(');
+      ++closing;
+    }
+    const ast::ExpressionNode& operand = link->operands[0];
+    const ast::Operation* next = chained(operand, writesPrefix);
+    if (next == nullptr) {
+      write(operand);
+      break;
+    }
+    link = next;
+  }
+  mOut.repeat(L')', closing);
+}
+
+void DirectWriter::infixChain(const ast::Operation& op) {
+  // The chain of binary operators each in the left operand of the one above (a OR b OR c):
+  // the openings of every grouped left side stand together in front, then the leftmost
+  // operand, then each link's closing, operator and right operand from the bottom up. The
+  // links wait on the shared work list; nested chains stack above them.
+  const std::size_t base = mLinks.size();
+  std::size_t opening = 0;
+  for (const ast::Operation* link = &op; link != nullptr; link = chained(link->operands[0], writesInfix)) {
+    const bool grouped = mBuilder.needParantheses(*link, false);
+    mLinks.emplace_back(link, grouped);
+    opening += grouped;
+  }
+  mOut.repeat(L'(', opening);
+  write(mLinks.back().first->operands[0]);
+  for (std::size_t i = mLinks.size(); i-- > base;) {
+    const auto [link, grouped] = mLinks[i];
+    if (grouped) mOut.put(L')');
+    mOut.put(L' ');
+    operatorText(link->operation);
+    mOut.put(L' ');
+    quantifierText(link->quantifier);
+    writeGrouped(link->operands[1], mBuilder.needParantheses(*link, true));
+  }
+  mLinks.resize(base);
+}
+
+void DirectWriter::caseOperation(const std::vector<ast::ExpressionNode>& operands) {
+  const std::size_t count = operands.size();
+  if (count < 3) throw GiveUp{};
+  mOut.put(L"CASE ");
+  // A subject written as the word for true is the stand-in of a CASE without subject.
+  const std::size_t subject = mOut.size();
+  write(operands[0]);
+  if (mOut.since(subject) == L"TRUE")
+    mOut.truncate(subject);
+  else
+    mOut.put(L' ');
+  std::size_t i = 1;
+  for (; i + 1 < count; i += 2) {
+    mOut.put(L"WHEN ");
+    write(operands[i]);
+    mOut.put(L" THEN ");
+    write(operands[i + 1]);
+    mOut.put(L' ');
+  }
+  if (i < count) {
+    mOut.put(L"ELSE ");
+    write(operands[i]);
+    mOut.put(L' ');
+  }
+  mOut.put(L"END");
+}
+
+void DirectWriter::selectHead(const ast::QuerySpecification& query) {
+  mOut.put(query.distinct ? std::wstring_view(L"SELECT DISTINCT ") : std::wstring_view(L"SELECT "));
+  if (query.selectList.empty()) {
+    mOut.put(L'*');
+  } else {
+    for (std::size_t i = 0; i < query.selectList.size(); ++i) {
+      if (i != 0) mOut.put(L", ");
+      write(query.selectList[i]);
+    }
+  }
+  mOut.put(L" FROM ");
+}
+
+void DirectWriter::clausesAfterFrom(const ast::QuerySpecification& query) {
+  if (!query.where.isNull()) {
+    mOut.put(L" WHERE ");
+    write(query.where);
+  }
+  if (!query.into.isNull()) {
+    mOut.put(L' ');
+    write(query.into);
+  }
+  for (std::size_t i = 0; i < query.groupBy.size(); ++i) {
+    mOut.put(i == 0 ? std::wstring_view(L" GROUP BY ") : std::wstring_view(L", "));
+    write(query.groupBy[i]);
+  }
+  if (!query.having.isNull()) {
+    mOut.put(L" HAVING ");
+    write(query.having);
+  }
+  for (std::size_t i = 0; i < query.orderBy.size(); ++i) {
+    mOut.put(i == 0 ? std::wstring_view(L" ORDER BY ") : std::wstring_view(L", "));
+    visit(query.orderBy[i]);
+  }
+  // Values, not literal texts: LIMIT -5 is LIMIT 5, and a 0 drops the clause.
+  if (const auto count = query.limit.limit.unsignedInteger(); count != 0) {
+    mOut.put(L" LIMIT ");
+    unsignedNumber(count);
+  }
+  if (const auto offset = query.limit.offset.unsignedInteger(); offset != 0) {
+    mOut.put(L" OFFSET ");
+    unsignedNumber(offset);
+  }
+}
+
+void DirectWriter::visit(const ast::QuerySpecification& record) {
+  mVisited = true;
+  // Queries each selecting from a derived table over the next: the heads on the way down, the
+  // innermost whole, the tails on the way up, so that the depth of the chain costs no stack.
+  const std::size_t base = mQueries.size();
+  const ast::QuerySpecification* query = &record;
+  while (const ast::QuerySpecification* inner = innerQuery(*query)) {
+    selectHead(*query);
+    mOut.put(L'(');
+    mQueries.push_back(query);
+    query = inner;
+  }
+  selectHead(*query);
+  for (std::size_t i = 0; i < query->from.size(); ++i) {
+    if (i != 0) mOut.put(L", ");
+    writeGrouped(query->from[i], SqlStringBuilder::needParantheses(query->from[i]));
+  }
+  clausesAfterFrom(*query);
+  for (std::size_t i = mQueries.size(); i-- > base;) {
+    const ast::QuerySpecification& link = *mQueries[i];
+    mOut.put(L") AS ");
+    name(recordOf<ast::DerivedTable>(link.from[0]).alias);
+    clausesAfterFrom(link);
+  }
+  mQueries.resize(base);
+}
+
+} // namespace
+
+void SqlStringBuilder::giveUp(std::wstring& buffer, std::size_t links, std::size_t queries) {
+  mDirectBuffer = std::move(buffer);
+  mDirectLinks.resize(links);
+  mDirectQueries.resize(queries);
+}
+
+bool SqlStringBuilder::writeDirectly(const ast::Node& node, std::wstring& text) {
+  const std::wstring* oldName = nullptr;
+  const std::wstring* newName = nullptr;
+  if (typeid(*this) == typeid(RenameTableBuilder)) {
+    const auto& rename = static_cast<const RenameTableBuilder&>(*this);
+    oldName = &rename.mOldName;
+    newName = &rename.mNewName;
+  }
+  // The buffer is taken for the walk and given back after it, so that a call made from inside
+  // (through the context) finds none and makes its own.
+  std::wstring buffer = std::move(mDirectBuffer);
+  const std::size_t links = mDirectLinks.size();
+  const std::size_t queries = mDirectQueries.size();
+  try {
+    DirectWriter writer(*this, mContext, buffer, mDirectLinks, mDirectQueries, oldName, newName);
+    if (writer.writeTop(node)) text = writer.text();
+  } catch (const GiveUp&) {
+    giveUp(buffer, links, queries);
+    return false;
+  } catch (const std::exception&) {
+    // Whatever the walk lets through (a handle without a node, a LIMIT beyond 64 bits) it
+    // throws again, in its own order.
+    giveUp(buffer, links, queries);
+    return false;
+  }
+  mDirectBuffer = std::move(buffer);
+  return true;
+}
+
+} // namespace velmor::sql
