@@ -1,5 +1,8 @@
 // Canonical SQL output speed: every statement of the corpus written from pre-parsed trees,
-// in bytes of UTF-8 output per second. Run with --benchmark_repetitions=5 and read the median.
+// in bytes of UTF-8 output per second, beside the parse of the same statements so that the two
+// compare within one run. Run with --benchmark_repetitions=5 and read the medians; point
+// VELMOR_BENCH_CORPUS at the sample to measure that.
+#include <velmor/sql/builder/RenameTableBuilder.h>
 #include <velmor/sql/builder/SqlStringBuilder.h>
 
 #include <velmor/sql/host/Precedence.h>
@@ -27,15 +30,16 @@ std::size_t utf8Length(const std::wstring& units) {
   return bytes;
 }
 
-void formatAll(benchmark::State& state, const std::vector<ast::Node>& trees,
-               const StringBuildContext* context) {
+// Writes every tree with a fresh `Builder` made of `arguments` in each pass.
+template <class Builder = SqlStringBuilder, class... Arguments>
+void formatAll(benchmark::State& state, const std::vector<ast::Node>& trees, const Arguments&... arguments) {
   std::size_t bytes = 0;
   {
-    SqlStringBuilder builder(context);
+    Builder builder(arguments...);
     for (const auto& tree : trees) bytes += utf8Length(builder.buildString(tree));
   }
   for (auto _ : state) {
-    SqlStringBuilder builder(context);
+    Builder builder(arguments...);
     for (const auto& tree : trees) {
       std::wstring text = builder.buildString(tree);
       benchmark::DoNotOptimize(text.data());
@@ -47,20 +51,52 @@ void formatAll(benchmark::State& state, const std::vector<ast::Node>& trees,
 
 class NoParseContext : public ParseContext {};
 
-const std::vector<ast::Node>& corpusTrees() {
-  static const std::vector<ast::Node> trees = [] {
-    std::vector<ast::Node> parsed;
+// The statements of the corpus that parse, in order.
+const std::vector<std::string>& corpusStatements() {
+  static const std::vector<std::string> statements = [] {
+    std::vector<std::string> lines;
     const char* overridePath = std::getenv("VELMOR_BENCH_CORPUS");
     std::ifstream in(overridePath != nullptr ? overridePath : VELMOR_BENCH_CORPUS);
     NoParseContext context;
-    for (std::string line; std::getline(in, line);) {
+    SqlParser parser(context);
+    for (std::string line; std::getline(in, line);)
+      if (parser.parse(line)) lines.push_back(line);
+    return lines;
+  }();
+  return statements;
+}
+
+const std::vector<ast::Node>& corpusTrees() {
+  static const std::vector<ast::Node> trees = [] {
+    std::vector<ast::Node> parsed;
+    NoParseContext context;
+    for (const std::string& statement : corpusStatements()) {
       SqlParser parser(context);
-      if (parser.parse(line)) parsed.push_back(parser.result);
+      parser.parse(statement);
+      parsed.push_back(parser.result);
     }
     return parsed;
   }();
   return trees;
 }
+
+// The parse of the statements that the format benchmarks write: the yardstick for them.
+void BM_ParseCorpus(benchmark::State& state) {
+  const std::vector<std::string>& statements = corpusStatements();
+  NoParseContext context;
+  SqlParser parser(context);
+  std::size_t bytes = 0;
+  for (const std::string& statement : statements) bytes += statement.size();
+  for (auto _ : state) {
+    for (const std::string& statement : statements) {
+      parser.parse(statement);
+      benchmark::DoNotOptimize(parser.result);
+    }
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * bytes));
+  state.counters["statements"] = static_cast<double>(statements.size());
+}
+BENCHMARK(BM_ParseCorpus)->Unit(benchmark::kMillisecond);
 
 void BM_FormatCorpus(benchmark::State& state) {
   static const velmor::sql::host::GrammarPrecedence context;
@@ -69,9 +105,28 @@ void BM_FormatCorpus(benchmark::State& state) {
 BENCHMARK(BM_FormatCorpus)->Unit(benchmark::kMillisecond);
 
 void BM_FormatCorpusNoContext(benchmark::State& state) {
-  formatAll(state, corpusTrees(), nullptr);
+  formatAll(state, corpusTrees(), static_cast<const StringBuildContext*>(nullptr));
 }
 BENCHMARK(BM_FormatCorpusNoContext)->Unit(benchmark::kMillisecond);
+
+void BM_FormatCorpusRename(benchmark::State& state) {
+  static const velmor::sql::host::GrammarPrecedence context;
+  formatAll<RenameTableBuilder>(state, corpusTrees(), &context, std::wstring(L"zones"), std::wstring(L"areas"));
+}
+BENCHMARK(BM_FormatCorpusRename)->Unit(benchmark::kMillisecond);
+
+// A host's builder that overrides a hook, which the writer serves through the fragment walk.
+class HostBuilder : public SqlStringBuilder {
+public:
+  using SqlStringBuilder::SqlStringBuilder;
+  std::wstring& onWhere(std::wstring& clauses) override { return clauses; }
+};
+
+void BM_FormatCorpusHostBuilder(benchmark::State& state) {
+  static const velmor::sql::host::GrammarPrecedence context;
+  formatAll<HostBuilder>(state, corpusTrees(), static_cast<const StringBuildContext*>(&context));
+}
+BENCHMARK(BM_FormatCorpusHostBuilder)->Unit(benchmark::kMillisecond);
 
 // A statement of the corpus's shape built by hand, so that the writer can be measured alone.
 ast::Node syntheticStatement() {

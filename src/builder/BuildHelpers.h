@@ -39,18 +39,19 @@ public:
   Kind kind = Kind::None;
 };
 
-/// The kind of `node`; an empty handle throws NullNodeException as any visit would.
+/// The kind of `node`; an empty handle throws NullNodeException as any visit would. The node
+/// is asked directly: one level that recurses no further needs none of Node::accept's care
+/// for the stack.
 inline Kind kindOf(const ast::Node& node) {
+  if (!node.mImpl) throw ast::NullNodeException();
   KindVisitor visitor;
-  node.accept(visitor);
+  node.mImpl->accept(visitor);
   return visitor.kind;
 }
 
 template <class T>
 bool holds(const ast::Node& node) {
-  KindVisitor visitor;
-  node.accept(visitor);
-  switch (visitor.kind) {
+  switch (kindOf(node)) {
 #define VELMOR_SQL_RECORD(Name, isExpr)                                                            \
   case Kind::Name: return std::is_same_v<T, ast::Name>;
 #include <velmor/sql/ast/Records.def>

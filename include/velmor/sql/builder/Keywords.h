@@ -3,7 +3,6 @@
 
 #include <velmor/sql/Export.h>
 
-#include <set>
 #include <string>
 #include <string_view>
 
@@ -17,7 +16,7 @@ public:
   /// The one shared instance, built on first use (thread-safe) and kept until process exit.
   static const Keywords& instance();
 
-  /// Builds the table of the 77 words.
+  /// The table of the 77 words is a constant; an instance holds nothing.
   Keywords();
 
   /// True when `word` is a reserved word in any letter case. `[select]` is not.
@@ -51,9 +50,6 @@ public:
       return left.size() < right.size();
     }
   };
-
-private:
-  std::set<std::wstring, Less> mWords;
 };
 
 } // namespace velmor::sql
