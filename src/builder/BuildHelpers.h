@@ -4,6 +4,7 @@
 #include <velmor/sql/Assert.h>
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/builder/Keywords.h>
+#include <velmor/sql/builder/SqlStringBuilder.h>
 
 #include <array>
 #include <cstdint>
@@ -64,6 +65,31 @@ bool holds(const ast::Node& node) {
 template <class T>
 const T& recordOf(const ast::Node& node) {
   return static_cast<const ast::NodeImpl<T>&>(*node.mImpl).value();
+}
+
+/// Whether `op` writes its left or right operand in parentheses, given the operand's kind and,
+/// for an operation, its record: the fixed rules first, then the context's precedence.
+inline bool groupsOperand(const ast::Operation& op, bool right, Kind kind, const ast::Operation* operand,
+                          const StringBuildContext* context) {
+  if (right && op.quantifier != ast::Quantifier::None) return true;
+  // The list or query behind IN always has its own parentheses; the value in front never.
+  if (op.operation == OperationCode::In || op.operation == OperationCode::NotIn) return right;
+  if (kind == Kind::QuerySpecification) return true;
+  if (kind != Kind::Operation) return false;
+  if (op.operands.size() == 1) {
+    const OperationCode code = operand->operation;
+    return code == OperationCode::Or || code == OperationCode::Xor || code == OperationCode::And ||
+           code == OperationCode::Plus || code == OperationCode::Minus;
+  }
+  if (operand->operands.size() == 1) return !right && op.operation == OperationCode::Power;
+  if (context == nullptr) return true;
+  const int precedence = context->comparePrecedence(operand->operation, op.operation);
+  if (precedence < 0) return true;
+  if (precedence > 0) return false;
+  // Equal precedence associates to the left; on the right only the operators that are not
+  // associative keep the grouping.
+  return right && (op.operation == OperationCode::Minus || op.operation == OperationCode::Divide ||
+                   op.operation == OperationCode::IntegerDivide || op.operation == OperationCode::Modulo);
 }
 
 /// Appends Keywords::escape(word) without making the escaped copy.

@@ -251,30 +251,13 @@ void SqlStringBuilder::processOperation(const ast::Operation& op, const Transfor
 
 bool SqlStringBuilder::needParantheses(const ast::Operation& op, bool right) const {
   if (right && op.quantifier != ast::Quantifier::None) return true;
-  // The list or query behind IN always has its own parentheses; the value in front never.
   if (op.operation == OperationCode::In || op.operation == OperationCode::NotIn) return right;
-
   // Operand 0 of a unary operator is its right side; the left side of a binary one is 0.
   const ast::ExpressionNode& operandNode =
       right ? op.operands.at(op.unary() ? 0 : 1) : op.operands.at(0);
   const builder::Kind kind = builder::kindOf(operandNode);
-  if (kind == builder::Kind::QuerySpecification) return true;
-  if (kind != builder::Kind::Operation) return false;
-  const ast::Operation& operand = recordOf<ast::Operation>(operandNode);
-
-  if (op.unary())
-    return isOneOf(operand.operation, {OperationCode::Or, OperationCode::Xor, OperationCode::And,
-                                       OperationCode::Plus, OperationCode::Minus});
-  if (operand.unary()) return !right && op.operation == OperationCode::Power;
-  if (mContext == nullptr) return true;
-
-  const int precedence = mContext->comparePrecedence(operand.operation, op.operation);
-  if (precedence < 0) return true;
-  if (precedence > 0) return false;
-  // Equal precedence associates to the left; on the right only the operators that are not
-  // associative keep the grouping.
-  return right && isOneOf(op.operation, {OperationCode::Minus, OperationCode::Divide,
-                                         OperationCode::IntegerDivide, OperationCode::Modulo});
+  const ast::Operation* operand = kind == builder::Kind::Operation ? &recordOf<ast::Operation>(operandNode) : nullptr;
+  return builder::groupsOperand(op, right, kind, operand, mContext);
 }
 
 void SqlStringBuilder::visitCase(const std::vector<ast::ExpressionNode>& operands,

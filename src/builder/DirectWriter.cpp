@@ -76,8 +76,9 @@ private:
     char* target = reinterpret_cast<char*>(to);
     const char* source = reinterpret_cast<const char*>(from);
     const std::size_t bytes = count * sizeof(wchar_t);
-    if (bytes >= 16 && bytes <= 32) {
-      std::memcpy(target, source, 16);
+    if (bytes >= 16 && bytes <= 128) {
+      // Whole 16-byte moves, the last one ending where the text ends.
+      for (std::size_t offset = 0; offset + 16 < bytes; offset += 16) std::memcpy(target + offset, source + offset, 16);
       std::memcpy(target + bytes - 16, source + bytes - 16, 16);
     } else if (bytes >= 8 && bytes < 16) {
       std::memcpy(target, source, 8);
@@ -107,28 +108,14 @@ bool isPlusOrMinus(OperationCode code) { return code == OperationCode::Plus || c
 
 // The unary operators that write their operand behind them.
 bool writesPrefix(const ast::Operation& op) {
-  if (!op.unary()) return false;
-  switch (op.operation) {
-  case OperationCode::Not:
-  case OperationCode::Exists:
-  case OperationCode::Unique:
-  case OperationCode::Plus:
-  case OperationCode::Minus: return true;
-  default: return false;
-  }
+  const OperationCode code = op.operation;
+  return op.operands.size() == 1 && (code == OperationCode::Not || code == OperationCode::Exists ||
+                                     code == OperationCode::Unique || isPlusOrMinus(code));
 }
 
 // The binary operators written "left OP [quantifier] right".
 bool writesInfix(const ast::Operation& op) {
   return op.operands.size() == 2 && op.operation != OperationCode::Case && op.operation != OperationCode::Cast;
-}
-
-// The operation below `node`, if it is one that `fits`.
-template <class Fits>
-const ast::Operation* chained(const ast::ExpressionNode& node, Fits fits) {
-  if (kindOf(node) != Kind::Operation) return nullptr;
-  const ast::Operation& op = recordOf<ast::Operation>(node);
-  return fits(op) ? &op : nullptr;
 }
 
 // The trees of a corpus written one after another have left the caches. Asking for the
@@ -151,11 +138,11 @@ const ast::QuerySpecification* innerQuery(const ast::QuerySpecification& query) 
 
 class DirectWriter final : public ast::NodeVisitor {
 public:
-  DirectWriter(const SqlStringBuilder& builder, const StringBuildContext* context, std::wstring& buffer,
+  DirectWriter(const StringBuildContext* context, std::wstring& buffer,
                std::vector<std::pair<const ast::Operation*, bool>>& links,
                std::vector<const ast::QuerySpecification*>& queries, const std::wstring* oldName,
                const std::wstring* newName)
-      : mBuilder(builder), mContext(context), mOut(buffer), mLinks(links), mQueries(queries),
+      : mContext(context), mOut(buffer), mLinks(links), mQueries(queries),
         mOldName(oldName), mNewName(newName), mKeywords(Keywords::instance()) {}
 
   // False for a node of EmptyNode, which has no text.
@@ -199,7 +186,7 @@ public:
   }
   void visit(const ast::DerivedColumn& record) override {
     mVisited = true;
-    writeGrouped(record.expression, SqlStringBuilder::needParantheses(record.expression));
+    writeValue(record.expression);
     if (!record.alias.empty()) {
       mOut.put(L" AS ");
       name(record.alias);
@@ -253,7 +240,7 @@ public:
     if (record.setQuantifier == ast::SetQuantifier::Distinct) mOut.put(L"DISTINCT ");
     for (std::size_t i = 0; i < record.arguments.size(); ++i) {
       if (i != 0) mOut.put(L", ");
-      writeGrouped(record.arguments[i], SqlStringBuilder::needParantheses(record.arguments[i]));
+      writeValue(record.arguments[i]);
     }
     mOut.put(L')');
   }
@@ -359,7 +346,7 @@ public:
     if (clause.column.empty()) throw GiveUp{};
     mOut.put(clause.column);
     mOut.put(L" = ");
-    writeGrouped(clause.value, SqlStringBuilder::needParantheses(clause.value));
+    writeValue(clause.value);
   }
   void visit(const ast::SortSpecification& record) override {
     mVisited = true;
@@ -430,6 +417,71 @@ private:
     mOut.put(L')');
   }
 
+  // A node's kind and, for an operation, its record: what the parentheses depend on.
+  struct Probe {
+    Kind kind = Kind::None;
+    const ast::Operation* operation = nullptr;
+  };
+  static Probe probe(const ast::Node& node) {
+    const Kind kind = kindOf(node);
+    return {kind, kind == Kind::Operation ? &recordOf<ast::Operation>(node) : nullptr};
+  }
+  // A node whose kind is known: a leaf is written at once, without a second dispatch; every
+  // other record through the node, whose accept watches the stack of the recursion.
+  void writeKnown(const ast::Node& node, Kind kind) {
+    switch (kind) {
+    case Kind::ColumnReference: visit(recordOf<ast::ColumnReference>(node)); return;
+    case Kind::Number: visit(recordOf<ast::Number>(node)); return;
+    case Kind::String: visit(recordOf<ast::String>(node)); return;
+    case Kind::TernaryLogicNode: visit(recordOf<ast::TernaryLogicNode>(node)); return;
+    case Kind::ContextuallyTypedValueSpecification:
+      visit(recordOf<ast::ContextuallyTypedValueSpecification>(node));
+      return;
+    case Kind::QualifiedAsterisk: visit(recordOf<ast::QualifiedAsterisk>(node)); return;
+    case Kind::TablePrimary: visit(recordOf<ast::TablePrimary>(node)); return;
+    case Kind::None: throw GiveUp{};
+    case Kind::DeleteStatement:
+    case Kind::DerivedColumn:
+    case Kind::DerivedTable:
+    case Kind::ExplicitTable:
+    case Kind::FromSource:
+    case Kind::Function:
+    case Kind::InsertStatement:
+    case Kind::IntoClause:
+    case Kind::JoinCondition:
+    case Kind::JoinNode:
+    case Kind::LimitSpecification:
+    case Kind::NamedColumnsJoin:
+    case Kind::Operation:
+    case Kind::QueryOperation:
+    case Kind::QuerySpecification:
+    case Kind::Range:
+    case Kind::RowValueExpression:
+    case Kind::RowValueExpressionList:
+    case Kind::SetClause:
+    case Kind::SortSpecification:
+    case Kind::UpdateStatement: break;
+    }
+    write(node);
+  }
+  void writeOperand(const ast::Operation& op, bool right, const ast::Node& node, Probe operand) {
+    const bool grouped = builder::groupsOperand(op, right, operand.kind, operand.operation, mContext);
+    if (grouped) mOut.put(L'(');
+    writeKnown(node, operand.kind);
+    if (grouped) mOut.put(L')');
+  }
+  // A select-list expression, routine argument or SET value: grouped when it is a query.
+  void writeValue(const ast::Node& node) {
+    const Kind kind = kindOf(node);
+    if (kind == Kind::QuerySpecification) {
+      mOut.put(L'(');
+      write(node);
+      mOut.put(L')');
+      return;
+    }
+    writeKnown(node, kind);
+  }
+
   const std::wstring& renamed(const std::wstring& table) const {
     return mOldName != nullptr && table == *mOldName ? *mNewName : table;
   }
@@ -489,7 +541,6 @@ private:
   void selectHead(const ast::QuerySpecification& query);
   void clausesAfterFrom(const ast::QuerySpecification& query);
 
-  const SqlStringBuilder& mBuilder;
   const StringBuildContext* mContext;
   Output mOut;
   std::vector<std::pair<const ast::Operation*, bool>>& mLinks;
@@ -551,23 +602,23 @@ void DirectWriter::operation(const ast::Operation& op) {
   }
   // Left: unary operators the walk reports, CAST, and the ternary ones (BETWEEN). A CAST of
   // three operands visits a third that it does not write, which only the walk can mirror.
-  if (op.unary() || op.operands.size() < 2) throw GiveUp{};
-  const bool ternary = op.operands.size() >= 3;
+  if (op.operands.size() < 2 || (op.operation == OperationCode::Cast && op.operands.size() > 2)) throw GiveUp{};
+  const Probe left = probe(op.operands[0]);
+  const Probe right = probe(op.operands[1]);
   if (op.operation == OperationCode::Cast) {
-    if (ternary) throw GiveUp{};
     mOut.put(L"CAST(");
-    writeGrouped(op.operands[0], mBuilder.needParantheses(op, false));
+    writeOperand(op, false, op.operands[0], left);
     mOut.put(L" AS ");
-    writeGrouped(op.operands[1], mBuilder.needParantheses(op, true));
+    writeOperand(op, true, op.operands[1], right);
     mOut.put(L')');
     return;
   }
-  writeGrouped(op.operands[0], mBuilder.needParantheses(op, false));
+  writeOperand(op, false, op.operands[0], left);
   mOut.put(L' ');
   operatorText(op.operation);
   mOut.put(L' ');
   quantifierText(op.quantifier);
-  writeGrouped(op.operands[1], mBuilder.needParantheses(op, true));
+  writeOperand(op, true, op.operands[1], right);
   // The upper bound of BETWEEN is always grouped.
   mOut.put(L" AND (");
   write(op.operands[2]);
@@ -582,17 +633,17 @@ void DirectWriter::prefixChain(const ast::Operation& op) {
   for (;;) {
     operatorText(link->operation);
     if (!isPlusOrMinus(link->operation)) mOut.put(L' ');
-    if (mBuilder.needParantheses(*link, true)) {
+    const ast::ExpressionNode& operand = link->operands[0];
+    const Probe inner = probe(operand);
+    if (builder::groupsOperand(*link, true, inner.kind, inner.operation, mContext)) {
       mOut.put(L'(');
       ++closing;
     }
-    const ast::ExpressionNode& operand = link->operands[0];
-    const ast::Operation* next = chained(operand, writesPrefix);
-    if (next == nullptr) {
-      write(operand);
+    if (inner.operation == nullptr || !writesPrefix(*inner.operation)) {
+      writeKnown(operand, inner.kind);
       break;
     }
-    link = next;
+    link = inner.operation;
   }
   mOut.repeat(L')', closing);
 }
@@ -604,21 +655,27 @@ void DirectWriter::infixChain(const ast::Operation& op) {
   // links wait on the shared work list; nested chains stack above them.
   const std::size_t base = mLinks.size();
   std::size_t opening = 0;
-  for (const ast::Operation* link = &op; link != nullptr; link = chained(link->operands[0], writesInfix)) {
-    const bool grouped = mBuilder.needParantheses(*link, false);
+  const ast::Operation* link = &op;
+  Probe left;
+  for (;;) {
+    left = probe(link->operands[0]);
+    const bool grouped = builder::groupsOperand(*link, false, left.kind, left.operation, mContext);
     mLinks.emplace_back(link, grouped);
     opening += grouped;
+    if (left.operation == nullptr || !writesInfix(*left.operation)) break;
+    link = left.operation;
   }
   mOut.repeat(L'(', opening);
-  write(mLinks.back().first->operands[0]);
+  writeKnown(link->operands[0], left.kind);
   for (std::size_t i = mLinks.size(); i-- > base;) {
-    const auto [link, grouped] = mLinks[i];
+    const auto [upper, grouped] = mLinks[i];
     if (grouped) mOut.put(L')');
     mOut.put(L' ');
-    operatorText(link->operation);
+    operatorText(upper->operation);
     mOut.put(L' ');
-    quantifierText(link->quantifier);
-    writeGrouped(link->operands[1], mBuilder.needParantheses(*link, true));
+    quantifierText(upper->quantifier);
+    const ast::ExpressionNode& right = upper->operands[1];
+    writeOperand(*upper, true, right, probe(right));
   }
   mLinks.resize(base);
 }
@@ -747,7 +804,7 @@ bool SqlStringBuilder::writeDirectly(const ast::Node& node, std::wstring& text) 
   const std::size_t links = mDirectLinks.size();
   const std::size_t queries = mDirectQueries.size();
   try {
-    DirectWriter writer(*this, mContext, buffer, mDirectLinks, mDirectQueries, oldName, newName);
+    DirectWriter writer(mContext, buffer, mDirectLinks, mDirectQueries, oldName, newName);
     if (writer.writeTop(node)) text = writer.text();
   } catch (const GiveUp&) {
     giveUp(buffer, links, queries);
