@@ -132,14 +132,21 @@ std::vector<TreeCase> treeCases() {
   };
 }
 
+// A host's builder without overrides, which the library serves the fragment way.
+class FragmentBuilder : public SqlStringBuilder {
+public:
+  using SqlStringBuilder::SqlStringBuilder;
+};
+
 TEST(BuildTreesTest, WritesEachFormWithAndWithoutContext) {
-  const velmor::sql::host::GrammarPrecedence defaultContext;
   const HostContext hostContext;
   for (auto& c : treeCases()) {
     SqlStringBuilder withContext(&hostContext);
     SqlStringBuilder withoutContext(nullptr);
     EXPECT_EQ(withContext.buildString(c.tree), c.withContext) << c.what;
     EXPECT_EQ(withoutContext.buildString(c.tree), c.withoutContext) << c.what;
+    EXPECT_EQ(FragmentBuilder(&hostContext).buildString(c.tree), c.withContext) << c.what;
+    EXPECT_EQ(FragmentBuilder(nullptr).buildString(c.tree), c.withoutContext) << c.what;
   }
 }
 

@@ -175,11 +175,15 @@ void expectRoundTrip(const std::string& canonical, const Entry& entry, bool useC
   EXPECT_EQ(format(*again, entry, useContext), canonical);
 }
 
-// A derived builder, which the writer cannot know has no overrides: it writes chains of
-// operators link by link, where the library's own builders write them in one pass.
+// Derived builders, which the writer cannot know have no overrides: they write fragment by
+// fragment and chains link by link, where the library's own builders write in one pass.
 class LinkByLink : public SqlStringBuilder {
 public:
   using SqlStringBuilder::SqlStringBuilder;
+};
+class RenameLinkByLink : public RenameTableBuilder {
+public:
+  using RenameTableBuilder::RenameTableBuilder;
 };
 
 class GoldenCase : public testing::Test {
@@ -193,8 +197,13 @@ public:
     const std::string without = format(*tree, mEntry, false);
     EXPECT_EQ(with, mEntry.withContext) << mEntry.input;
     EXPECT_EQ(without, mEntry.hasWithout ? mEntry.withoutContext : mEntry.withContext) << mEntry.input;
-    if (mEntry.rename) return;
     static const velmor::sql::host::GrammarPrecedence context;
+    if (mEntry.rename) {
+      const std::wstring oldName = fromUtf8(mEntry.oldName), newName = fromUtf8(mEntry.newName);
+      EXPECT_EQ(toUtf8(RenameLinkByLink(&context, oldName, newName).buildString(*tree)), with) << "link by link";
+      EXPECT_EQ(toUtf8(RenameLinkByLink(nullptr, oldName, newName).buildString(*tree)), without) << "link by link";
+      return;
+    }
     EXPECT_EQ(toUtf8(LinkByLink(&context).buildString(*tree)), with) << "link by link";
     EXPECT_EQ(toUtf8(LinkByLink(nullptr).buildString(*tree)), without) << "link by link";
     Entry plain = mEntry;

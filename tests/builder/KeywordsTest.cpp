@@ -43,6 +43,18 @@ const QuotingCase kQuotingCases[] = {
     {L"s\u00e9lect", false, L"s\u00e9lect"},
     // The order stops at the first NUL unit, so what follows it is not looked at.
     {std::wstring(L"from\0x", 6), true, L"[" + std::wstring(L"from\0x", 6) + L"]"},
+    {std::wstring(L"in\0", 3), true, L"[" + std::wstring(L"in\0", 3) + L"]"},
+    {std::wstring(L"intersects\0x", 12), true, L"[" + std::wstring(L"intersects\0x", 12) + L"]"},
+    {std::wstring(L"i\0n", 3), false, std::wstring(L"i\0n", 3)},
+    {std::wstring(L"\0in", 3), false, std::wstring(L"\0in", 3)},
+    {std::wstring(L"fro\0m", 5), false, std::wstring(L"fro\0m", 5)},
+    // The shortest words, and names that share their first letters with words.
+    {L"iN", true, L"[iN]"},
+    {L"i", false, L"i"},
+    {L"i_", false, L"i_"},
+    {L"ow", false, L"ow"},
+    {L"sensor", false, L"sensor"},
+    {L"intersectz", false, L"intersectz"},
 };
 
 TEST(KeywordsTest, QuotesExactlyTheReservedWordsKeepingTheirCase) {
