@@ -586,8 +586,23 @@ void Catalogue::setPrecedenceLevel(OperationCode code, int level) { m_levels[cod
 
 // ---- what the library asks --------------------------------------------------------------------
 
+namespace {
+
+// Names usually come folded already (lower-case ASCII): those are looked up without a folded
+// copy. Folding ends at a NUL unit, so what follows one does not count.
+template <class Map>
+auto findName(const Map& map, const std::wstring& name) {
+  for (const wchar_t unit : name) {
+    if (unit == 0) break;
+    if (unit >= 0x80 || (unit >= L'A' && unit <= L'Z')) return map.find(normalized(name));
+  }
+  return map.find(name);
+}
+
+} // namespace
+
 std::shared_ptr<FunctionInfo> Catalogue::function(const std::wstring& name) const {
-  const auto found = m_functions.find(normalized(name));
+  const auto found = findName(m_functions, name);
   return found == m_functions.end() ? nullptr : found->second;
 }
 
@@ -632,7 +647,7 @@ int Catalogue::compareTypes(PlainType a, PlainType b) const {
 }
 
 std::shared_ptr<TableInfo> Catalogue::table(const std::wstring& name) const {
-  const auto found = m_tables.find(normalized(name));
+  const auto found = findName(m_tables, name);
   return found == m_tables.end() ? nullptr : found->second.second;
 }
 

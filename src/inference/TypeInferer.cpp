@@ -35,6 +35,53 @@ bool takesRows(const ast::Operation& operation, std::size_t position) {
   }
 }
 
+// Types are immutable, so the literals' usual types are made once and shared: a statement
+// types dozens of literals. Never released, so that an inferer running while the process ends
+// still finds them.
+constexpr int kSharedDigits = 40;
+constexpr int kSharedLength = 128;
+
+const std::shared_ptr<Type>& sharedPlain(PlainType plain) {
+  static const auto* const contextual = new std::shared_ptr<Type>(std::make_shared<Type>(PlainType::Contextual));
+  static const auto* const boolean = new std::shared_ptr<Type>(std::make_shared<Type>(PlainType::Boolean));
+  return plain == PlainType::Boolean ? *boolean : *contextual;
+}
+
+std::shared_ptr<Type> decimalLiteralType(int precision, int scale) {
+  static const auto* const shared = [] {
+    auto* table = new std::vector<std::shared_ptr<Type>>();
+    table->reserve(kSharedDigits * kSharedDigits);
+    for (int p = 0; p < kSharedDigits; ++p) {
+      for (int s = 0; s < kSharedDigits; ++s) table->push_back(std::make_shared<PrecisionScaleType>(PlainType::Decimal, p, s));
+    }
+    return table;
+  }();
+  if (precision >= 0 && precision < kSharedDigits && scale >= 0 && scale < kSharedDigits) {
+    return (*shared)[static_cast<std::size_t>(precision * kSharedDigits + scale)];
+  }
+  return std::make_shared<PrecisionScaleType>(PlainType::Decimal, precision, scale);
+}
+
+std::shared_ptr<Type> charLiteralType(std::size_t length) {
+  static const auto* const shared = [] {
+    auto* table = new std::vector<std::shared_ptr<Type>>();
+    table->reserve(kSharedLength);
+    for (int n = 0; n < kSharedLength; ++n) table->push_back(std::make_shared<LengthType>(PlainType::Char, n));
+    return table;
+  }();
+  if (length < static_cast<std::size_t>(kSharedLength)) return (*shared)[length];
+  return std::make_shared<LengthType>(PlainType::Char, static_cast<int>(length));
+}
+
+// Whether the operands already have the types that `overload` takes, so that they need no
+// converted copy: what convertFor would give is the same list.
+bool convertsNothing(const std::vector<std::shared_ptr<Type>>& types, const OverloadInfo& overload) {
+  for (std::size_t i = 0; i < types.size(); ++i) {
+    if (types[i] && types[i]->plainType() != overload.parameterType(i)) return false;
+  }
+  return true;
+}
+
 } // namespace
 
 QueryAnalysis::~QueryAnalysis() = default;
@@ -105,7 +152,7 @@ void TypeInferer::visit(const ast::ColumnReference& record) {
 }
 
 void TypeInferer::visit(const ast::ContextuallyTypedValueSpecification&) {
-  mResult = std::make_shared<Type>(PlainType::Contextual);
+  mResult = sharedPlain(PlainType::Contextual);
 }
 
 void TypeInferer::visit(const ast::DerivedColumn& record) {
@@ -126,7 +173,7 @@ void TypeInferer::visit(const ast::Number& record) {
   const bool hasPoint = point != std::wstring::npos;
   const int precision = static_cast<int>(text.size()) - (hasPoint ? 1 : 0);
   const int scale = hasPoint ? precision - static_cast<int>(point) : 0;
-  mResult = std::make_shared<PrecisionScaleType>(PlainType::Decimal, precision, scale);
+  mResult = decimalLiteralType(precision, scale);
 }
 
 void TypeInferer::visit(const ast::Operation& record) { mResult = operatorType(record); }
@@ -163,7 +210,7 @@ void TypeInferer::visit(const ast::RowValueExpressionList& record) { mResult = r
 
 void TypeInferer::visit(const ast::String& record) { mResult = stringType(record); }
 
-void TypeInferer::visit(const ast::TernaryLogicNode&) { mResult = std::make_shared<Type>(PlainType::Boolean); }
+void TypeInferer::visit(const ast::TernaryLogicNode&) { mResult = sharedPlain(PlainType::Boolean); }
 
 void TypeInferer::faultAction() {
   // Types are immutable, so one Fault object serves every inferer.
@@ -222,6 +269,7 @@ std::shared_ptr<Type> TypeInferer::functionType(const ast::Function& function) {
   if (!info) throw UnknownFunction(function.name);
   const std::vector<std::shared_ptr<Type>> types = inferTypes(function.arguments);
   const std::shared_ptr<OverloadInfo> overload = findOverload(function, info, types);
+  if (types.size() == function.arguments.size() && convertsNothing(types, *overload)) return overload->calcFullType(types);
   return overload->calcFullType(convertFor(types, *overload, function.arguments.size()));
 }
 
@@ -230,6 +278,7 @@ std::shared_ptr<Type> TypeInferer::operatorType(const ast::Operation& operation)
   if (!info) throw OperatorNotSupported(operation.operation);
   const std::vector<std::shared_ptr<Type>> types = operationTypes(operation);
   const std::shared_ptr<OperatorOverloadInfo> overload = findOperatorOverload(operation, info, types);
+  if (types.size() == operation.operands.size() && convertsNothing(types, *overload)) return overload->calcFullType(types);
   return overload->calcFullType(convertFor(types, *overload, operation.operands.size()));
 }
 
@@ -251,7 +300,7 @@ std::vector<std::shared_ptr<Type>> TypeInferer::operationTypes(const ast::Operat
 }
 
 std::shared_ptr<Type> TypeInferer::stringType(const ast::String& node) {
-  return std::make_shared<LengthType>(PlainType::Char, static_cast<int>(node.value.toStringLength()));
+  return charLiteralType(node.value.toStringLength());
 }
 
 std::shared_ptr<OverloadInfo> TypeInferer::inferFunctionOverload(const ast::Function& function) {
