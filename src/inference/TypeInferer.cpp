@@ -361,11 +361,11 @@ std::vector<std::shared_ptr<Overload>> shared(const Candidates<Overload>& candid
 std::shared_ptr<OverloadInfo> TypeInferer::findOverload(const ast::Function& function,
                                                         const std::shared_ptr<FunctionInfo>& info,
                                                         const std::vector<std::shared_ptr<Type>>& types) {
-  const std::vector<PlainType> plain = toPlainTypes(types);
-  if (!mResolutions || !info) return resolveOverload(function, info, types, plain);
-  if (auto chosen = mResolutions->find(mGlobalContext, info, -1, plain)) {
+  if (!mResolutions || !info) return resolveOverload(function, info, types, toPlainTypes(types));
+  if (auto chosen = mResolutions->find(mGlobalContext, info, -1, types)) {
     return std::static_pointer_cast<OverloadInfo>(std::move(chosen));
   }
+  const std::vector<PlainType> plain = toPlainTypes(types);
   std::shared_ptr<OverloadInfo> overload = resolveOverload(function, info, types, plain);
   mResolutions->keep(mGlobalContext, info, -1, plain, overload);
   return overload;
@@ -395,12 +395,12 @@ std::shared_ptr<OverloadInfo> TypeInferer::resolveOverload(const ast::Function& 
 std::shared_ptr<OperatorOverloadInfo> TypeInferer::findOperatorOverload(const ast::Operation& operation,
                                                                         const std::shared_ptr<OperatorInfo>& info,
                                                                         const std::vector<std::shared_ptr<Type>>& types) {
-  const std::vector<PlainType> plain = toPlainTypes(types);
-  if (!mResolutions || !info) return resolveOperatorOverload(operation, info, types, plain);
+  if (!mResolutions || !info) return resolveOperatorOverload(operation, info, types, toPlainTypes(types));
   const int quantifier = static_cast<int>(operation.quantifier);
-  if (auto chosen = mResolutions->find(mGlobalContext, info, quantifier, plain)) {
+  if (auto chosen = mResolutions->find(mGlobalContext, info, quantifier, types)) {
     return std::static_pointer_cast<OperatorOverloadInfo>(std::move(chosen));
   }
+  const std::vector<PlainType> plain = toPlainTypes(types);
   std::shared_ptr<OperatorOverloadInfo> overload = resolveOperatorOverload(operation, info, types, plain);
   mResolutions->keep(mGlobalContext, info, quantifier, plain, overload);
   return overload;
