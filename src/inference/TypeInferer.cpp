@@ -7,6 +7,7 @@
 
 #include "inference/Resolutions.h"
 #include "inference/StandardAnalysis.h"
+#include "types/OverloadRules.h"
 
 #include <cstddef>
 #include <utility>
@@ -33,6 +34,29 @@ bool takesRows(const ast::Operation& operation, std::size_t position) {
   default:
     return operation.quantifier != ast::Quantifier::None && position > 0;
   }
+}
+
+// Whether every argument is the parameter's type or converts to it, asking the host in order.
+// Contextual comes first so that the host is never asked about it.
+bool convertsTo(const OverloadInfo& overload, const std::vector<PlainType>& plain, const GlobalTypeContext& global) {
+  for (std::size_t i = 0; i < plain.size(); ++i) {
+    const PlainType expected = detail::parameterAt(overload, i);
+    if (expected == plain[i] || plain[i] == PlainType::Contextual) continue;
+    if (!global.canConvert(plain[i], expected)) return false;
+  }
+  return true;
+}
+
+enum class Fit { None, Exact, Converted };
+
+// matches(plain) and, failing that, fitsWithConversion(plain), in one pass: the host is asked
+// the same questions in the same order as the two would ask.
+Fit fitOf(const OverloadInfo& overload, const std::vector<PlainType>& plain, const GlobalTypeContext& global) {
+  if (!detail::takesCount(overload, plain.size())) return Fit::None;
+  std::size_t i = 0;
+  while (i < plain.size() && detail::parameterAt(overload, i) == plain[i]) ++i;
+  if (i == plain.size()) return Fit::Exact;
+  return convertsTo(overload, plain, global) ? Fit::Converted : Fit::None;
 }
 
 // Types are immutable, so the literals' usual types are made once and shared: a statement
@@ -319,15 +343,7 @@ std::shared_ptr<OperatorOverloadInfo> TypeInferer::inferOperatorOverload(const a
 // Overload resolution.
 
 bool TypeInferer::fitsWithConversion(const OverloadInfo& overload, const std::vector<PlainType>& plain) const {
-  if (!overload.canTakeParams(plain.size())) return false;
-  const std::size_t count = plain.size();
-  for (std::size_t i = 0; i < count; ++i) {
-    const PlainType expected = overload.parameterType(i);
-    // Contextual comes first so that the host is never asked about it.
-    if (expected == plain[i] || plain[i] == PlainType::Contextual) continue;
-    if (!mGlobalContext.canConvert(plain[i], expected)) return false;
-  }
-  return true;
+  return detail::takesCount(overload, plain.size()) && convertsTo(overload, plain, mGlobalContext);
 }
 
 bool TypeInferer::matchesWithConversion(const std::shared_ptr<OverloadInfo>& overload,
@@ -379,8 +395,9 @@ std::shared_ptr<OverloadInfo> TypeInferer::resolveOverload(const ast::Function& 
   Candidates<OverloadInfo> exact;
   Candidates<OverloadInfo> converted;
   for (const auto& overload : all) {
-    if (overload->matches(plain)) exact.push_back(&overload);
-    else if (fitsWithConversion(*overload, plain)) converted.push_back(&overload);
+    const Fit fit = fitOf(*overload, plain, mGlobalContext);
+    if (fit == Fit::Exact) exact.push_back(&overload);
+    else if (fit == Fit::Converted) converted.push_back(&overload);
   }
   // Functions have no ranking: two fits of equal standing are an error.
   if (exact.size() >= 2 || (exact.empty() && converted.size() >= 2)) {
@@ -414,9 +431,11 @@ std::shared_ptr<OperatorOverloadInfo> TypeInferer::resolveOperatorOverload(const
   Candidates<OperatorOverloadInfo> exact;
   std::vector<std::shared_ptr<OperatorOverloadInfo>> converted;
   for (const auto& overload : all) {
-    if (overload->matches(plain, operation.quantifier)) {
+    if (overload->mQuantifier != operation.quantifier) continue;
+    const Fit fit = fitOf(*overload, plain, mGlobalContext);
+    if (fit == Fit::Exact) {
       exact.push_back(&overload);
-    } else if (overload->mQuantifier == operation.quantifier && fitsWithConversion(*overload, plain)) {
+    } else if (fit == Fit::Converted) {
       converted.push_back(overload);
     }
   }
