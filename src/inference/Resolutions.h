@@ -71,6 +71,10 @@ private:
     std::shared_ptr<void> overload;
   };
   std::unordered_multimap<std::size_t, Chosen> mChosen;
+
+public:
+  std::size_t size() const noexcept { return mChosen.size(); }
+  void clear() noexcept { mChosen.clear(); }
 };
 
 /// The memo of the check running on this thread, or null. Set for the length of a check by
@@ -78,9 +82,11 @@ private:
 Resolutions* currentResolutions() noexcept;
 
 /// Gives the thread a memo for as long as it lives, unless a check around it gave one already.
+/// For a RevisedContext, the memo is the thread's lasting one, kept from check to check while
+/// the context and its revision stay the same.
 class ResolutionScope {
 public:
-  ResolutionScope() noexcept;
+  explicit ResolutionScope(const GlobalTypeContext& global) noexcept;
   ~ResolutionScope();
   ResolutionScope(const ResolutionScope&) = delete;
   ResolutionScope& operator=(const ResolutionScope&) = delete;

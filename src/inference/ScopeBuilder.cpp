@@ -198,7 +198,7 @@ std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const
     if (!ast::nodeIs<ast::QuerySpecification>(query)) return std::make_shared<GenericTableInfo>(std::vector<ColumnInfo>{});
     return buildTableInfo(global, tables, ast::getNodeValue<ast::QuerySpecification>(query), external);
   }
-  const detail::ResolutionScope resolutions;
+  const detail::ResolutionScope resolutions(global);
   detail::StandardAnalysis analysis(global, tables, nullptr);
   detail::LevelScope outside(nullptr);
   outside.m_local = external;

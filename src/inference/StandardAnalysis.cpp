@@ -397,7 +397,7 @@ std::optional<std::vector<std::shared_ptr<Type>>> StandardAnalysis::queryColumns
 }
 
 void StandardAnalysis::checkStatement(const ast::Node& statement, const std::shared_ptr<ColumnInfoScope>& external) {
-  const ResolutionScope resolutions;
+  const ResolutionScope resolutions(mGlobal);
   LevelScope outside(nullptr);
   outside.m_local = external;
   const LevelScope* outer = external ? &outside : nullptr;

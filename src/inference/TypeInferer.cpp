@@ -149,12 +149,42 @@ namespace detail {
 namespace {
 // A plain pointer, so that it needs no guard and stays usable while thread-locals die.
 thread_local Resolutions* tResolutions = nullptr;
+
+// The memo that lasts from check to check on a thread, for one revision of one context. Past
+// this many choices it starts again, so that a thread's memo stays small.
+constexpr std::size_t kLastingChoices = 4096;
+thread_local bool tLastingGone = false;
+
+struct Lasting {
+  const GlobalTypeContext* global = nullptr;
+  std::uint64_t revision = 0;
+  Resolutions memo;
+  ~Lasting() { tLastingGone = true; }
+};
+
+// Null once the thread's lasting memo died (a check run while the thread's objects die).
+Resolutions* lastingFor(const GlobalTypeContext& global, std::uint64_t revision) noexcept {
+  if (tLastingGone) return nullptr;
+  thread_local Lasting lasting;
+  if (lasting.global != &global || lasting.revision != revision || lasting.memo.size() >= kLastingChoices) {
+    lasting.memo.clear();
+    lasting.global = &global;
+    lasting.revision = revision;
+  }
+  return &lasting.memo;
+}
 } // namespace
 
 Resolutions* currentResolutions() noexcept { return tResolutions; }
 
-ResolutionScope::ResolutionScope() noexcept : mPrevious(tResolutions) {
+ResolutionScope::ResolutionScope(const GlobalTypeContext& global) noexcept : mPrevious(tResolutions) {
   if (tResolutions) return;
+  if (const auto* revised = dynamic_cast<const RevisedContext*>(&global)) {
+    if (Resolutions* lasting = lastingFor(global, revised->revision())) {
+      tResolutions = lasting;
+      return;
+    }
+  }
   try {
     mOwn = std::make_unique<Resolutions>();
     tResolutions = mOwn.get();

@@ -3,6 +3,7 @@
 
 #include "types/OverloadRules.h"
 
+#include <atomic>
 #include <limits>
 #include <utility>
 
@@ -63,5 +64,11 @@ bool OperatorOverloadInfo::matches(const std::vector<type::PlainType>& types,
 FunctionInfo::~FunctionInfo() = default;
 OperatorInfo::~OperatorInfo() = default;
 GlobalTypeContext::~GlobalTypeContext() = default;
+RevisedContext::~RevisedContext() = default;
+
+std::uint64_t RevisedContext::nextRevision() noexcept {
+  static std::atomic<std::uint64_t> next{1};
+  return next.fetch_add(1, std::memory_order_relaxed);
+}
 
 } // namespace velmor::sql
