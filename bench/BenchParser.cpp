@@ -9,6 +9,10 @@
 
 #include <benchmark/benchmark.h>
 
+#ifdef VELMOR_BENCH_PEER_PG
+#include <pg_query.h>
+#endif
+
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -105,6 +109,43 @@ BENCHMARK_CAPTURE(BM_Parse, sample, "sample")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Scan, sample, "sample")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Tokenize, sample, "sample")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_ParseWithRanges, sample, "sample")->Unit(benchmark::kMillisecond);
+
+#ifdef VELMOR_BENCH_PEER_PG
+// PostgreSQL's raw parser (libpg_query) over the same statements in the same run: a region per
+// statement, released in one piece, as its own callers do. Its internal entry points are
+// declared here because their header needs the server's headers.
+struct PeerParseResult {
+  void* tree;
+  char* stderrBuffer;
+  PgQueryError* error;
+};
+extern "C" PeerParseResult pg_query_raw_parse(const char* input);
+extern "C" void* pg_query_enter_memory_context();
+extern "C" void pg_query_exit_memory_context(void* context);
+extern "C" void pg_query_free_error(PgQueryError* error);
+
+void BM_PeerRawParse(benchmark::State& state, const char* which) {
+  const std::vector<std::string>& statements = corpus(which);
+  if (statements.empty()) state.SkipWithError("the corpus is missing or empty");
+  std::size_t failures = 0;
+  for (auto _ : state) {
+    for (const std::string& statement : statements) {
+      void* region = pg_query_enter_memory_context();
+      const PeerParseResult result = pg_query_raw_parse(statement.c_str());
+      benchmark::DoNotOptimize(result.tree);
+      if (result.error != nullptr) {
+        ++failures;
+        pg_query_free_error(result.error);
+      }
+      pg_query_exit_memory_context(region);
+    }
+  }
+  if (failures != 0) state.SkipWithError("a corpus statement failed to parse");
+  setCounters(state, statements);
+}
+BENCHMARK_CAPTURE(BM_PeerRawParse, corpus, "common")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_PeerRawParse, sample, "sample")->Unit(benchmark::kMillisecond);
+#endif
 
 // The cost that keeping the automaton saves a parse: scanner and automaton with its initial
 // stack, built and destroyed.

@@ -1,5 +1,6 @@
 // Completion at cursors of any text against the GIS sample catalogue: never a fault, and the
-// replaced range lies before the cursor, inside the text.
+// replaced range (the whole word under the cursor) starts at or before the cursor and lies inside
+// the text.
 #include "FuzzSupport.h"
 
 #include <velmor/sql/host/CatalogueFile.h>
@@ -22,7 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (std::size_t offset = 0; offset <= size + 1; offset += step) {
     const host::Completion answer = host::complete(text, offset, *sample);
     VELMOR_FUZZ_CHECK(answer.replaceBegin <= answer.replaceEnd, "a range in order");
-    VELMOR_FUZZ_CHECK(answer.replaceEnd <= std::min(offset, size), "the replaced word ends at the cursor");
+    VELMOR_FUZZ_CHECK(answer.replaceBegin <= std::min(offset, size), "the replaced word starts at the cursor or before");
+    VELMOR_FUZZ_CHECK(answer.replaceEnd <= size, "the replaced word lies inside the text");
   }
   return 0;
 }

@@ -152,10 +152,22 @@ void defer(Pending& pending, Node& handle) noexcept {
   }
 }
 
+// How deep the releases running on this thread are nested. Near the root of a tree (where
+// nearly every tree ends) children die in place, each in its parent's release: cheaper than
+// the list. Deeper, the list takes over, so that the stack never holds more than this many.
+constexpr int kReleaseInPlace = 32;
+thread_local int tReleaseDepth = 0;
+
 template <class T>
 void release(T& record) noexcept {
   if (Pending* pending = tPending) {
     forEachHandle(record, [pending](Node& handle) { defer(*pending, handle); });
+    return;
+  }
+  if (tReleaseDepth < kReleaseInPlace) {
+    ++tReleaseDepth;
+    forEachHandle(record, [](Node& handle) { handle.mImpl.reset(); });
+    --tReleaseDepth;
     return;
   }
   bool any = false;

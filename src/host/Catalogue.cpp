@@ -195,6 +195,7 @@ Catalogue::Catalogue() : m_ranks(std::make_shared<std::map<PlainType, int>>()) {
 Catalogue::~Catalogue() = default;
 
 void Catalogue::addTypeName(const std::string& name, std::shared_ptr<Type> type) {
+  changed();
   const std::string k = key(name);
   if (k.empty() || k == "any" || plainTypeFromName(k) || m_typeSets.count(k))
     throw CatalogueError("an alias must not be empty or the name of a plain type or a set");
@@ -203,6 +204,7 @@ void Catalogue::addTypeName(const std::string& name, std::shared_ptr<Type> type)
 }
 
 void Catalogue::addTypeSet(const std::string& name, const std::vector<std::string>& members) {
+  changed();
   const std::string k = key(name);
   if (k.empty() || k == "any" || plainTypeFromName(k) || m_typeNames.count(k) || m_typeSets.count(k))
     throw CatalogueError("a set's name must not be empty, a type's name or the name of another set");
@@ -286,6 +288,7 @@ std::vector<PlainType> Catalogue::plainTypesOf(std::string_view text) const {
 }
 
 void Catalogue::addTable(const std::wstring& name, const std::vector<Column>& columns) {
+  changed();
   if (columns.empty()) throw CatalogueError("a table needs at least one column");
   std::vector<ColumnInfo> list;
   std::set<std::wstring> seen;
@@ -303,10 +306,12 @@ void Catalogue::addTable(const std::wstring& name, const std::vector<Column>& co
 }
 
 void Catalogue::addTable(const std::wstring& name, std::vector<ColumnInfo> columns) {
+  changed();
   addTable(name, std::make_shared<GenericTableInfo>(columns));
 }
 
 void Catalogue::addTable(const std::wstring& name, std::shared_ptr<TableInfo> table) {
+  changed();
   if (!m_tables.emplace(normalized(name), std::make_pair(name, std::move(table))).second)
     throw CatalogueError("a second table called \"" + toUtf8(name) + "\"");
 }
@@ -428,6 +433,7 @@ void expand(const std::vector<std::vector<PlainType>>& sets, const std::function
 } // namespace
 
 void Catalogue::addFunction(const std::wstring& name, FunctionKind kind, const std::vector<Signature>& signatures) {
+  changed();
   std::vector<std::shared_ptr<OverloadInfo>> overloads;
   for (const Signature& signature : signatures) {
     auto made = overloadsOf(signature);
@@ -461,6 +467,7 @@ std::vector<std::shared_ptr<OverloadInfo>> Catalogue::overloadsOf(const Signatur
 }
 
 void Catalogue::addFunction(const std::wstring& name, FunctionKind kind, std::vector<std::shared_ptr<OverloadInfo>> overloads) {
+  changed();
   auto& slot = m_functions[normalized(name)];
   if (!slot) slot = std::make_shared<Function>(name, kind);
   slot->m_kind = kind;
@@ -468,6 +475,7 @@ void Catalogue::addFunction(const std::wstring& name, FunctionKind kind, std::ve
 }
 
 void Catalogue::addOperator(OperationCode code, const std::vector<OperatorSignature>& signatures) {
+  changed();
   std::vector<std::shared_ptr<OperatorOverloadInfo>> overloads;
   for (const OperatorSignature& signature : signatures) {
     auto made = overloadsOf(signature);
@@ -512,6 +520,7 @@ std::vector<std::shared_ptr<OperatorOverloadInfo>> Catalogue::overloadsOf(const 
 }
 
 void Catalogue::addOperator(OperationCode code, std::vector<std::shared_ptr<OperatorOverloadInfo>> overloads) {
+  changed();
   auto& slot = m_operators[code];
   auto* own = dynamic_cast<Operator*>(slot.get());
   if (!own) {
@@ -522,14 +531,19 @@ void Catalogue::addOperator(OperationCode code, std::vector<std::shared_ptr<Oper
   for (auto& overload : overloads) own->m_overloads.push_back(std::move(overload));
 }
 
-void Catalogue::setOperator(OperationCode code, std::shared_ptr<OperatorInfo> info) { m_operators[code] = std::move(info); }
+void Catalogue::setOperator(OperationCode code, std::shared_ptr<OperatorInfo> info) {
+  changed();
+  m_operators[code] = std::move(info);
+}
 
 void Catalogue::addCustomOperator(OperationCode code, std::wstring text, int level) {
+  changed();
   m_operatorTexts[code] = std::move(text);
   m_levels[code] = level;
 }
 
 void Catalogue::addConversion(PlainType from, PlainType to) {
+  changed();
   if (from != to) m_conversions.emplace(from, to);
   const auto a = static_cast<std::uint32_t>(from);
   const auto b = static_cast<std::uint32_t>(to);
@@ -537,6 +551,7 @@ void Catalogue::addConversion(PlainType from, PlainType to) {
 }
 
 void Catalogue::addConversions(const std::vector<std::string>& from, const std::vector<std::string>& to) {
+  changed();
   std::vector<PlainType> a, b;
   for (const auto& text : from) {
     const auto members = plainTypesOf(text);
@@ -552,6 +567,7 @@ void Catalogue::addConversions(const std::vector<std::string>& from, const std::
 }
 
 void Catalogue::setRanking(const std::vector<std::vector<PlainType>>& levels) {
+  changed();
   // The map is shared with the result rules made so far, which rank by it. The dense ranks
   // follow it whatever happens, a level refused halfway included.
   struct Follow {
@@ -572,6 +588,7 @@ void Catalogue::setRanking(const std::vector<std::vector<PlainType>>& levels) {
 }
 
 void Catalogue::setPrecedence(const std::vector<std::vector<OperationCode>>& levels) {
+  changed();
   m_ownPrecedence = true;
   std::erase_if(m_levels, [](const auto& entry) { return static_cast<int>(entry.first) <= 50; });
   for (std::size_t level = 0; level < levels.size(); ++level) {
@@ -582,12 +599,30 @@ void Catalogue::setPrecedence(const std::vector<std::vector<OperationCode>>& lev
   }
 }
 
-void Catalogue::setPrecedenceLevel(OperationCode code, int level) { m_levels[code] = level; }
+void Catalogue::setPrecedenceLevel(OperationCode code, int level) {
+  changed();
+  m_levels[code] = level;
+}
 
 // ---- what the library asks --------------------------------------------------------------------
 
+namespace {
+
+// Names usually come folded already (lower-case ASCII): those are looked up without a folded
+// copy. Folding ends at a NUL unit, so what follows one does not count.
+template <class Map>
+auto findName(const Map& map, const std::wstring& name) {
+  for (const wchar_t unit : name) {
+    if (unit == 0) break;
+    if (unit >= 0x80 || (unit >= L'A' && unit <= L'Z')) return map.find(normalized(name));
+  }
+  return map.find(name);
+}
+
+} // namespace
+
 std::shared_ptr<FunctionInfo> Catalogue::function(const std::wstring& name) const {
-  const auto found = m_functions.find(normalized(name));
+  const auto found = findName(m_functions, name);
   return found == m_functions.end() ? nullptr : found->second;
 }
 
@@ -632,7 +667,7 @@ int Catalogue::compareTypes(PlainType a, PlainType b) const {
 }
 
 std::shared_ptr<TableInfo> Catalogue::table(const std::wstring& name) const {
-  const auto found = m_tables.find(normalized(name));
+  const auto found = findName(m_tables, name);
   return found == m_tables.end() ? nullptr : found->second.second;
 }
 

@@ -40,6 +40,7 @@ private:
 } // namespace
 
 void Catalogue::addStandardSql(PlainType geometry) {
+  changed();
   if (!isTypeName("Geometry")) addTypeName("Geometry", std::make_shared<Type>(geometry));
   readCatalogue(*this, standardSqlText(), "(standard SQL set)");
   addOperator(OperationCode::Case, {std::make_shared<CaseOverload>(*this)});

@@ -17,14 +17,19 @@ namespace velmor::sql::detail {
 class Resolutions {
 public:
   /// The overload chosen before for this callee (an OperatorInfo or a FunctionInfo of
-  /// `global`), quantifier and plain types; null when none was.
+  /// `global`), quantifier and the plain types of `types` (empty entries skipped, as
+  /// toPlainTypes skips them); null when none was. Makes no list: most questions were asked.
   std::shared_ptr<void> find(const GlobalTypeContext& global, const std::shared_ptr<void>& callee, int quantifier,
-                             const std::vector<type::PlainType>& plain) const {
-    const auto [first, last] = mChosen.equal_range(hashOf(&global, callee.get(), quantifier, plain));
+                             const std::vector<std::shared_ptr<Type>>& types) const {
+    std::size_t h = seed(&global, callee.get(), quantifier);
+    for (const auto& type : types) {
+      if (type) h = h * 31 + static_cast<std::size_t>(type->plainType());
+    }
+    const auto [first, last] = mChosen.equal_range(h);
     for (auto at = first; at != last; ++at) {
       const Chosen& chosen = at->second;
       if (chosen.global == &global && chosen.callee == callee && chosen.quantifier == quantifier &&
-          chosen.plain == plain) {
+          samePlain(chosen.plain, types)) {
         return chosen.overload;
       }
     }
@@ -39,12 +44,24 @@ public:
   }
 
 private:
+  static std::size_t seed(const void* global, const void* callee, int quantifier) noexcept {
+    const std::size_t h = std::hash<const void*>()(callee) ^ (std::hash<const void*>()(global) << 1);
+    return h * 31 + static_cast<std::size_t>(quantifier);
+  }
   static std::size_t hashOf(const void* global, const void* callee, int quantifier,
                             const std::vector<type::PlainType>& plain) noexcept {
-    std::size_t h = std::hash<const void*>()(callee) ^ (std::hash<const void*>()(global) << 1);
-    h = h * 31 + static_cast<std::size_t>(quantifier);
+    std::size_t h = seed(global, callee, quantifier);
     for (const type::PlainType t : plain) h = h * 31 + static_cast<std::size_t>(t);
     return h;
+  }
+  static bool samePlain(const std::vector<type::PlainType>& plain, const std::vector<std::shared_ptr<Type>>& types) {
+    std::size_t i = 0;
+    for (const auto& type : types) {
+      if (!type) continue;
+      if (i == plain.size() || plain[i] != type->plainType()) return false;
+      ++i;
+    }
+    return i == plain.size();
   }
   struct Chosen {
     const void* global;
@@ -54,6 +71,10 @@ private:
     std::shared_ptr<void> overload;
   };
   std::unordered_multimap<std::size_t, Chosen> mChosen;
+
+public:
+  std::size_t size() const noexcept { return mChosen.size(); }
+  void clear() noexcept { mChosen.clear(); }
 };
 
 /// The memo of the check running on this thread, or null. Set for the length of a check by
@@ -61,9 +82,11 @@ private:
 Resolutions* currentResolutions() noexcept;
 
 /// Gives the thread a memo for as long as it lives, unless a check around it gave one already.
+/// For a RevisedContext, the memo is the thread's lasting one, kept from check to check while
+/// the context and its revision stay the same.
 class ResolutionScope {
 public:
-  ResolutionScope() noexcept;
+  explicit ResolutionScope(const GlobalTypeContext& global) noexcept;
   ~ResolutionScope();
   ResolutionScope(const ResolutionScope&) = delete;
   ResolutionScope& operator=(const ResolutionScope&) = delete;

@@ -142,18 +142,29 @@ namespace detail {
 std::vector<ColumnInfo> nameResultColumns(std::vector<ColumnInfo> raw) {
   std::vector<ColumnInfo> columns;
   columns.reserve(raw.size());
+  // What is taken is exactly what was kept so far. A short select list (nearly all) is searched
+  // in place; a long one through an ordered copy, so that the search stays logarithmic.
+  constexpr std::size_t kShortList = 16;
+  const bool shortList = raw.size() <= kShortList;
   std::set<ColumnInfo> seen;
+  const auto take = [&](const ColumnInfo& column) {
+    if (!shortList) return seen.insert(column).second;
+    for (const ColumnInfo& kept : columns) {
+      if (!(kept < column) && !(column < kept)) return false;
+    }
+    return true;
+  };
   // The renamed candidates of a column depend only on its original table and name. A suffix
-  // once found taken stays taken (the set only grows), so the search for the next repeat of
-  // the same column starts where the last one stopped: n repeats cost n tries, not n^2 / 2.
+  // once found taken stays taken (the kept list only grows), so the search for the next repeat
+  // of the same column starts where the last one stopped: n repeats cost n tries, not n^2 / 2.
   std::map<std::pair<std::wstring, std::wstring>, int> nextSuffix;
   for (ColumnInfo& column : raw) {
-    if (!seen.insert(column).second) {
+    if (!take(column)) {
       // A new name always grows from originalName, never from an alias: x, x1, x2.
       int& k = nextSuffix.try_emplace({column.originalTable(), column.originalName()}, 1).first->second;
       do {
         column = column.rename(column.originalName() + std::to_wstring(k++));
-      } while (!seen.insert(column).second);
+      } while (!take(column));
     }
     columns.push_back(std::move(column));
   }
@@ -187,7 +198,7 @@ std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const
     if (!ast::nodeIs<ast::QuerySpecification>(query)) return std::make_shared<GenericTableInfo>(std::vector<ColumnInfo>{});
     return buildTableInfo(global, tables, ast::getNodeValue<ast::QuerySpecification>(query), external);
   }
-  const detail::ResolutionScope resolutions;
+  const detail::ResolutionScope resolutions(global);
   detail::StandardAnalysis analysis(global, tables, nullptr);
   detail::LevelScope outside(nullptr);
   outside.m_local = external;

@@ -7,12 +7,13 @@
 
 #include "ast/RecordOf.h"
 #include "common/DeepStack.h"
+#include "common/SmallStack.h"
 #include "inference/Resolutions.h"
 #include "inference/ResultColumns.h"
 #include "types/ColumnOrder.h"
+#include "types/Folding.h"
 
 #include <algorithm>
-#include <deque>
 #include <cstddef>
 #include <utility>
 
@@ -48,15 +49,15 @@ public:
 template <class Visit>
 void walkLevel(const ast::Node& root, Visit&& visit) {
   // Pointers into the tree, which outlives the walk; the children of the rarer kinds are
-  // listed once and kept beside it, so that their places stay put.
-  std::vector<const ast::Node*> stack{&root};
-  std::deque<std::vector<ast::Node>> listed;
+  // listed once and kept beside it: a moved list keeps its room, so their places stay put.
+  SmallStack<const ast::Node*, 32> stack;
+  stack.push(&root);
+  std::vector<std::vector<ast::Node>> listed;
   auto pushAll = [&stack](const auto& nodes) {
-    for (auto child = nodes.rbegin(); child != nodes.rend(); ++child) stack.push_back(&*child);
+    for (auto child = nodes.rbegin(); child != nodes.rend(); ++child) stack.push(&*child);
   };
   while (!stack.empty()) {
-    const ast::Node& node = *stack.back();
-    stack.pop_back();
+    const ast::Node& node = *stack.pop();
     if (node.isNull()) continue;
     Shape shape;
     node.mImpl->accept(shape);
@@ -129,7 +130,8 @@ protected:
 
 private:
   bool isShared(const std::wstring& column) const {
-    return std::find(m_shared.begin(), m_shared.end(), normalized(column)) != m_shared.end();
+    return std::any_of(m_shared.begin(), m_shared.end(),
+                       [&column](const std::wstring& shared) { return detail::sameFoldedName(column, shared); });
   }
 
   std::shared_ptr<JoinScope> m_join;
@@ -167,7 +169,7 @@ private:
       if (!ast::nodeIs<ast::ColumnReference>(y)) return false;
       const auto& a = ast::detail::recordIn<ast::ColumnReference>(x);
       const auto& b = ast::detail::recordIn<ast::ColumnReference>(y);
-      if (normalized(a.table) == normalized(b.table) && normalized(a.column) == normalized(b.column)) return true;
+      if (sameNames(a.table, b.table) && sameNames(a.column, b.column)) return true;
       const ColumnInfo ca = resolve(a);
       const ColumnInfo cb = resolve(b);
       return !ca.isNull() && !cb.isNull() && !(ca < cb) && !(cb < ca);
@@ -183,7 +185,7 @@ private:
       if (!ast::nodeIs<ast::Function>(y)) return false;
       const auto& a = ast::detail::recordIn<ast::Function>(x);
       const auto& b = ast::detail::recordIn<ast::Function>(y);
-      return normalized(a.name) == normalized(b.name) && a.asterisk == b.asterisk && a.setQuantifier == b.setQuantifier;
+      return sameNames(a.name, b.name) && a.asterisk == b.asterisk && a.setQuantifier == b.setQuantifier;
     }
     if (ast::nodeIs<ast::Operation>(x)) {
       if (!ast::nodeIs<ast::Operation>(y)) return false;
@@ -262,7 +264,8 @@ bool LevelScope::knowsQualifier(const std::wstring& name) const {
 }
 
 bool LevelScope::failedName(const std::wstring& name) const {
-  return !m_failed.empty() && std::find(m_failed.begin(), m_failed.end(), normalized(name)) != m_failed.end();
+  return std::any_of(m_failed.begin(), m_failed.end(),
+                     [&name](const std::wstring& failed) { return sameFoldedName(name, failed); });
 }
 
 ColumnInfo LevelScope::columnInfo(const std::wstring& table, const std::wstring& column) const {
@@ -394,7 +397,7 @@ std::optional<std::vector<std::shared_ptr<Type>>> StandardAnalysis::queryColumns
 }
 
 void StandardAnalysis::checkStatement(const ast::Node& statement, const std::shared_ptr<ColumnInfoScope>& external) {
-  const ResolutionScope resolutions;
+  const ResolutionScope resolutions(mGlobal);
   LevelScope outside(nullptr);
   outside.m_local = external;
   const LevelScope* outer = external ? &outside : nullptr;
@@ -728,7 +731,7 @@ void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const
       for (const ast::Node& item : query.selectList) {
         if (!ast::nodeIs<ast::DerivedColumn>(item)) continue;
         const auto& derived = ast::detail::recordIn<ast::DerivedColumn>(item);
-        if (!derived.alias.empty() && normalized(derived.alias) == normalized(reference.column)) {
+        if (!derived.alias.empty() && sameNames(derived.alias, reference.column)) {
           keys.push_back(derived.expression);
         }
       }

@@ -7,6 +7,7 @@
 
 #include "inference/Resolutions.h"
 #include "inference/StandardAnalysis.h"
+#include "types/OverloadRules.h"
 
 #include <cstddef>
 #include <utility>
@@ -33,6 +34,76 @@ bool takesRows(const ast::Operation& operation, std::size_t position) {
   default:
     return operation.quantifier != ast::Quantifier::None && position > 0;
   }
+}
+
+// Whether every argument is the parameter's type or converts to it, asking the host in order.
+// Contextual comes first so that the host is never asked about it.
+bool convertsTo(const OverloadInfo& overload, const std::vector<PlainType>& plain, const GlobalTypeContext& global) {
+  for (std::size_t i = 0; i < plain.size(); ++i) {
+    const PlainType expected = detail::parameterAt(overload, i);
+    if (expected == plain[i] || plain[i] == PlainType::Contextual) continue;
+    if (!global.canConvert(plain[i], expected)) return false;
+  }
+  return true;
+}
+
+enum class Fit { None, Exact, Converted };
+
+// matches(plain) and, failing that, fitsWithConversion(plain), in one pass: the host is asked
+// the same questions in the same order as the two would ask.
+Fit fitOf(const OverloadInfo& overload, const std::vector<PlainType>& plain, const GlobalTypeContext& global) {
+  if (!detail::takesCount(overload, plain.size())) return Fit::None;
+  std::size_t i = 0;
+  while (i < plain.size() && detail::parameterAt(overload, i) == plain[i]) ++i;
+  if (i == plain.size()) return Fit::Exact;
+  return convertsTo(overload, plain, global) ? Fit::Converted : Fit::None;
+}
+
+// Types are immutable, so the literals' usual types are made once and shared: a statement
+// types dozens of literals. Never released, so that an inferer running while the process ends
+// still finds them.
+constexpr int kSharedDigits = 40;
+constexpr int kSharedLength = 128;
+
+const std::shared_ptr<Type>& sharedPlain(PlainType plain) {
+  static const auto* const contextual = new std::shared_ptr<Type>(std::make_shared<Type>(PlainType::Contextual));
+  static const auto* const boolean = new std::shared_ptr<Type>(std::make_shared<Type>(PlainType::Boolean));
+  return plain == PlainType::Boolean ? *boolean : *contextual;
+}
+
+std::shared_ptr<Type> decimalLiteralType(int precision, int scale) {
+  static const auto* const shared = [] {
+    auto* table = new std::vector<std::shared_ptr<Type>>();
+    table->reserve(kSharedDigits * kSharedDigits);
+    for (int p = 0; p < kSharedDigits; ++p) {
+      for (int s = 0; s < kSharedDigits; ++s) table->push_back(std::make_shared<PrecisionScaleType>(PlainType::Decimal, p, s));
+    }
+    return table;
+  }();
+  if (precision >= 0 && precision < kSharedDigits && scale >= 0 && scale < kSharedDigits) {
+    return (*shared)[static_cast<std::size_t>(precision * kSharedDigits + scale)];
+  }
+  return std::make_shared<PrecisionScaleType>(PlainType::Decimal, precision, scale);
+}
+
+std::shared_ptr<Type> charLiteralType(std::size_t length) {
+  static const auto* const shared = [] {
+    auto* table = new std::vector<std::shared_ptr<Type>>();
+    table->reserve(kSharedLength);
+    for (int n = 0; n < kSharedLength; ++n) table->push_back(std::make_shared<LengthType>(PlainType::Char, n));
+    return table;
+  }();
+  if (length < static_cast<std::size_t>(kSharedLength)) return (*shared)[length];
+  return std::make_shared<LengthType>(PlainType::Char, static_cast<int>(length));
+}
+
+// Whether the operands already have the types that `overload` takes, so that they need no
+// converted copy: what convertFor would give is the same list.
+bool convertsNothing(const std::vector<std::shared_ptr<Type>>& types, const OverloadInfo& overload) {
+  for (std::size_t i = 0; i < types.size(); ++i) {
+    if (types[i] && types[i]->plainType() != overload.parameterType(i)) return false;
+  }
+  return true;
 }
 
 } // namespace
@@ -78,12 +149,42 @@ namespace detail {
 namespace {
 // A plain pointer, so that it needs no guard and stays usable while thread-locals die.
 thread_local Resolutions* tResolutions = nullptr;
+
+// The memo that lasts from check to check on a thread, for one revision of one context. Past
+// this many choices it starts again, so that a thread's memo stays small.
+constexpr std::size_t kLastingChoices = 4096;
+thread_local bool tLastingGone = false;
+
+struct Lasting {
+  const GlobalTypeContext* global = nullptr;
+  std::uint64_t revision = 0;
+  Resolutions memo;
+  ~Lasting() { tLastingGone = true; }
+};
+
+// Null once the thread's lasting memo died (a check run while the thread's objects die).
+Resolutions* lastingFor(const GlobalTypeContext& global, std::uint64_t revision) noexcept {
+  if (tLastingGone) return nullptr;
+  thread_local Lasting lasting;
+  if (lasting.global != &global || lasting.revision != revision || lasting.memo.size() >= kLastingChoices) {
+    lasting.memo.clear();
+    lasting.global = &global;
+    lasting.revision = revision;
+  }
+  return &lasting.memo;
+}
 } // namespace
 
 Resolutions* currentResolutions() noexcept { return tResolutions; }
 
-ResolutionScope::ResolutionScope() noexcept : mPrevious(tResolutions) {
+ResolutionScope::ResolutionScope(const GlobalTypeContext& global) noexcept : mPrevious(tResolutions) {
   if (tResolutions) return;
+  if (const auto* revised = dynamic_cast<const RevisedContext*>(&global)) {
+    if (Resolutions* lasting = lastingFor(global, revised->revision())) {
+      tResolutions = lasting;
+      return;
+    }
+  }
   try {
     mOwn = std::make_unique<Resolutions>();
     tResolutions = mOwn.get();
@@ -105,7 +206,7 @@ void TypeInferer::visit(const ast::ColumnReference& record) {
 }
 
 void TypeInferer::visit(const ast::ContextuallyTypedValueSpecification&) {
-  mResult = std::make_shared<Type>(PlainType::Contextual);
+  mResult = sharedPlain(PlainType::Contextual);
 }
 
 void TypeInferer::visit(const ast::DerivedColumn& record) {
@@ -126,7 +227,7 @@ void TypeInferer::visit(const ast::Number& record) {
   const bool hasPoint = point != std::wstring::npos;
   const int precision = static_cast<int>(text.size()) - (hasPoint ? 1 : 0);
   const int scale = hasPoint ? precision - static_cast<int>(point) : 0;
-  mResult = std::make_shared<PrecisionScaleType>(PlainType::Decimal, precision, scale);
+  mResult = decimalLiteralType(precision, scale);
 }
 
 void TypeInferer::visit(const ast::Operation& record) { mResult = operatorType(record); }
@@ -163,7 +264,7 @@ void TypeInferer::visit(const ast::RowValueExpressionList& record) { mResult = r
 
 void TypeInferer::visit(const ast::String& record) { mResult = stringType(record); }
 
-void TypeInferer::visit(const ast::TernaryLogicNode&) { mResult = std::make_shared<Type>(PlainType::Boolean); }
+void TypeInferer::visit(const ast::TernaryLogicNode&) { mResult = sharedPlain(PlainType::Boolean); }
 
 void TypeInferer::faultAction() {
   // Types are immutable, so one Fault object serves every inferer.
@@ -222,6 +323,7 @@ std::shared_ptr<Type> TypeInferer::functionType(const ast::Function& function) {
   if (!info) throw UnknownFunction(function.name);
   const std::vector<std::shared_ptr<Type>> types = inferTypes(function.arguments);
   const std::shared_ptr<OverloadInfo> overload = findOverload(function, info, types);
+  if (types.size() == function.arguments.size() && convertsNothing(types, *overload)) return overload->calcFullType(types);
   return overload->calcFullType(convertFor(types, *overload, function.arguments.size()));
 }
 
@@ -230,6 +332,7 @@ std::shared_ptr<Type> TypeInferer::operatorType(const ast::Operation& operation)
   if (!info) throw OperatorNotSupported(operation.operation);
   const std::vector<std::shared_ptr<Type>> types = operationTypes(operation);
   const std::shared_ptr<OperatorOverloadInfo> overload = findOperatorOverload(operation, info, types);
+  if (types.size() == operation.operands.size() && convertsNothing(types, *overload)) return overload->calcFullType(types);
   return overload->calcFullType(convertFor(types, *overload, operation.operands.size()));
 }
 
@@ -251,7 +354,7 @@ std::vector<std::shared_ptr<Type>> TypeInferer::operationTypes(const ast::Operat
 }
 
 std::shared_ptr<Type> TypeInferer::stringType(const ast::String& node) {
-  return std::make_shared<LengthType>(PlainType::Char, static_cast<int>(node.value.toStringLength()));
+  return charLiteralType(node.value.toStringLength());
 }
 
 std::shared_ptr<OverloadInfo> TypeInferer::inferFunctionOverload(const ast::Function& function) {
@@ -270,15 +373,7 @@ std::shared_ptr<OperatorOverloadInfo> TypeInferer::inferOperatorOverload(const a
 // Overload resolution.
 
 bool TypeInferer::fitsWithConversion(const OverloadInfo& overload, const std::vector<PlainType>& plain) const {
-  if (!overload.canTakeParams(plain.size())) return false;
-  const std::size_t count = plain.size();
-  for (std::size_t i = 0; i < count; ++i) {
-    const PlainType expected = overload.parameterType(i);
-    // Contextual comes first so that the host is never asked about it.
-    if (expected == plain[i] || plain[i] == PlainType::Contextual) continue;
-    if (!mGlobalContext.canConvert(plain[i], expected)) return false;
-  }
-  return true;
+  return detail::takesCount(overload, plain.size()) && convertsTo(overload, plain, mGlobalContext);
 }
 
 bool TypeInferer::matchesWithConversion(const std::shared_ptr<OverloadInfo>& overload,
@@ -312,11 +407,11 @@ std::vector<std::shared_ptr<Overload>> shared(const Candidates<Overload>& candid
 std::shared_ptr<OverloadInfo> TypeInferer::findOverload(const ast::Function& function,
                                                         const std::shared_ptr<FunctionInfo>& info,
                                                         const std::vector<std::shared_ptr<Type>>& types) {
-  const std::vector<PlainType> plain = toPlainTypes(types);
-  if (!mResolutions || !info) return resolveOverload(function, info, types, plain);
-  if (auto chosen = mResolutions->find(mGlobalContext, info, -1, plain)) {
+  if (!mResolutions || !info) return resolveOverload(function, info, types, toPlainTypes(types));
+  if (auto chosen = mResolutions->find(mGlobalContext, info, -1, types)) {
     return std::static_pointer_cast<OverloadInfo>(std::move(chosen));
   }
+  const std::vector<PlainType> plain = toPlainTypes(types);
   std::shared_ptr<OverloadInfo> overload = resolveOverload(function, info, types, plain);
   mResolutions->keep(mGlobalContext, info, -1, plain, overload);
   return overload;
@@ -330,8 +425,9 @@ std::shared_ptr<OverloadInfo> TypeInferer::resolveOverload(const ast::Function& 
   Candidates<OverloadInfo> exact;
   Candidates<OverloadInfo> converted;
   for (const auto& overload : all) {
-    if (overload->matches(plain)) exact.push_back(&overload);
-    else if (fitsWithConversion(*overload, plain)) converted.push_back(&overload);
+    const Fit fit = fitOf(*overload, plain, mGlobalContext);
+    if (fit == Fit::Exact) exact.push_back(&overload);
+    else if (fit == Fit::Converted) converted.push_back(&overload);
   }
   // Functions have no ranking: two fits of equal standing are an error.
   if (exact.size() >= 2 || (exact.empty() && converted.size() >= 2)) {
@@ -346,12 +442,12 @@ std::shared_ptr<OverloadInfo> TypeInferer::resolveOverload(const ast::Function& 
 std::shared_ptr<OperatorOverloadInfo> TypeInferer::findOperatorOverload(const ast::Operation& operation,
                                                                         const std::shared_ptr<OperatorInfo>& info,
                                                                         const std::vector<std::shared_ptr<Type>>& types) {
-  const std::vector<PlainType> plain = toPlainTypes(types);
-  if (!mResolutions || !info) return resolveOperatorOverload(operation, info, types, plain);
+  if (!mResolutions || !info) return resolveOperatorOverload(operation, info, types, toPlainTypes(types));
   const int quantifier = static_cast<int>(operation.quantifier);
-  if (auto chosen = mResolutions->find(mGlobalContext, info, quantifier, plain)) {
+  if (auto chosen = mResolutions->find(mGlobalContext, info, quantifier, types)) {
     return std::static_pointer_cast<OperatorOverloadInfo>(std::move(chosen));
   }
+  const std::vector<PlainType> plain = toPlainTypes(types);
   std::shared_ptr<OperatorOverloadInfo> overload = resolveOperatorOverload(operation, info, types, plain);
   mResolutions->keep(mGlobalContext, info, quantifier, plain, overload);
   return overload;
@@ -365,9 +461,11 @@ std::shared_ptr<OperatorOverloadInfo> TypeInferer::resolveOperatorOverload(const
   Candidates<OperatorOverloadInfo> exact;
   std::vector<std::shared_ptr<OperatorOverloadInfo>> converted;
   for (const auto& overload : all) {
-    if (overload->matches(plain, operation.quantifier)) {
+    if (overload->mQuantifier != operation.quantifier) continue;
+    const Fit fit = fitOf(*overload, plain, mGlobalContext);
+    if (fit == Fit::Exact) {
       exact.push_back(&overload);
-    } else if (overload->mQuantifier == operation.quantifier && fitsWithConversion(*overload, plain)) {
+    } else if (fit == Fit::Converted) {
       converted.push_back(overload);
     }
   }

@@ -4,6 +4,8 @@
 #include <velmor/sql/types/Strings.h>
 #include <velmor/sql/errors/SemanticErrors.h>
 
+#include "types/Folding.h"
+
 #include <range/v3/range/conversion.hpp>
 #include <range/v3/view/filter.hpp>
 #include <range/v3/view/transform.hpp>
@@ -39,29 +41,8 @@ std::vector<ColumnInfo> ColumnInfoScope::columnsInfo(const std::wstring& table, 
 TableInfoScope::TableInfoScope(const ast::TablePrimary& table, std::shared_ptr<TableInfo> tableInfo)
     : m_tableInfo(std::move(tableInfo)), m_tableName(normalized(table.table)), m_alias(normalized(table.alias)) {}
 
-namespace {
-
-// Whether normalized(name) equals `key`, which is folded already. Folding maps unit to unit and
-// keeps the length, and on ASCII it only lowers A-Z, so ASCII names (nearly all qualifiers)
-// compare without building a folded copy. This runs for every qualified reference at every
-// level of a join.
-bool sameName(const std::wstring& name, const std::wstring& key) {
-  if (name.size() != key.size()) return false;
-  for (std::size_t i = 0; i < name.size(); ++i) {
-    wchar_t unit = name[i];
-    if (unit >= 0x80) return normalized(name) == key;
-    // Folding ends at a NUL unit, as normalized's does: the rest compares unit for unit.
-    if (unit == 0) return name.compare(i, std::wstring::npos, key, i, std::wstring::npos) == 0;
-    if (unit >= L'A' && unit <= L'Z') unit = static_cast<wchar_t>(unit - L'A' + L'a');
-    if (unit != key[i]) return false;
-  }
-  return true;
-}
-
-} // namespace
-
 bool TableInfoScope::isTableName(const std::wstring& name) const {
-  return sameName(name, m_tableName) || (!m_alias.empty() && sameName(name, m_alias));
+  return detail::sameFoldedName(name, m_tableName) || (!m_alias.empty() && detail::sameFoldedName(name, m_alias));
 }
 
 ColumnInfo TableInfoScope::columnInfo(const std::wstring& table, const std::wstring& column) const {

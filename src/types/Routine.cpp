@@ -1,6 +1,10 @@
 // Overload signatures and the destructors of the host interfaces.
 #include <velmor/sql/types/Routine.h>
 
+#include "types/OverloadRules.h"
+
+#include <atomic>
+#include <limits>
 #include <utility>
 
 namespace velmor::sql {
@@ -14,14 +18,12 @@ OverloadInfo::OverloadInfo(type::PlainType returnType, std::vector<type::PlainTy
 
 OverloadInfo::~OverloadInfo() = default;
 
+// A position or count beyond what size_t holds (a 32-bit build) lies past every parameter.
 type::PlainType OverloadInfo::parameterType(unsigned long long position) const {
-  const auto required = mParameters.size();
-  if (position < required) return mParameters[position];
-  if (position < required + mOptionalParameters.size()) return mOptionalParameters[position - required];
-  // A variadic overload repeats its last required parameter, never an optional one. Without
-  // a required parameter there is nothing to repeat: treat it as past the end.
-  if (mVariadic && required != 0) return mParameters.back();
-  return type::PlainType::Fault;
+  if (position > std::numeric_limits<std::size_t>::max()) {
+    return mVariadic && !mParameters.empty() ? mParameters.back() : type::PlainType::Fault;
+  }
+  return detail::parameterAt(*this, static_cast<std::size_t>(position));
 }
 
 std::vector<type::PlainType> OverloadInfo::parameterTypes(unsigned long long count) const {
@@ -32,9 +34,8 @@ std::vector<type::PlainType> OverloadInfo::parameterTypes(unsigned long long cou
 }
 
 bool OverloadInfo::canTakeParams(unsigned long long count) const {
-  if (count < mParameters.size()) return false;
-  if (mVariadic) return true;
-  return count <= mParameters.size() + mOptionalParameters.size();
+  if (count > std::numeric_limits<std::size_t>::max()) return mVariadic;
+  return detail::takesCount(*this, static_cast<std::size_t>(count));
 }
 
 bool OverloadInfo::matches(const std::vector<type::PlainType>& types) const {
@@ -63,5 +64,11 @@ bool OperatorOverloadInfo::matches(const std::vector<type::PlainType>& types,
 FunctionInfo::~FunctionInfo() = default;
 OperatorInfo::~OperatorInfo() = default;
 GlobalTypeContext::~GlobalTypeContext() = default;
+RevisedContext::~RevisedContext() = default;
+
+std::uint64_t RevisedContext::nextRevision() noexcept {
+  static std::atomic<std::uint64_t> next{1};
+  return next.fetch_add(1, std::memory_order_relaxed);
+}
 
 } // namespace velmor::sql

@@ -1,5 +1,6 @@
 // Columns, the abstract table's default bodies and the library's concrete table.
 #include "types/ColumnOrder.h"
+#include "types/Folding.h"
 
 #include <velmor/sql/types/Strings.h>
 
@@ -198,7 +199,8 @@ std::shared_ptr<Type> GenericTableInfo::columnType(std::size_t index) const {
 }
 
 std::size_t GenericTableInfo::indexByName(const std::wstring& name) const {
-  const auto found = m_index.find(normalized(name));
+  // Most names come folded already and need no folded copy.
+  const auto found = detail::foldsToItself(name) ? m_index.find(name) : m_index.find(normalized(name));
   return found == m_index.end() ? npos : found->second;
 }
 

@@ -65,7 +65,7 @@ bool Validator::validateStatement(const ast::Node& statement) {
 }
 
 bool Validator::validateStandard(const ast::Node& statement) {
-  const detail::ResolutionScope resolutions;
+  const detail::ResolutionScope resolutions(mGlobalContext);
   const std::size_t before = mErrors.size();
   ListSink sink(mErrors);
   detail::StandardAnalysis analysis(mGlobalContext, mTableContext, &sink);
@@ -89,7 +89,7 @@ bool Validator::validate(const ast::QuerySpecification& query) {
     validateStandard(ast::makeNode(query));
     return mErrors.empty();
   }
-  const detail::ResolutionScope resolutions;
+  const detail::ResolutionScope resolutions(mGlobalContext);
   try {
     // A query without FROM has an empty scope, which knows no column; the scopes below and
     // the result table take it as such.
@@ -138,7 +138,7 @@ bool Validator::validate(const ast::QuerySpecification& query) {
 
 bool Validator::validate(const ast::UpdateStatement& update) {
   if (mScoping == Scoping::Standard) return validateStandard(ast::makeNode(update));
-  const detail::ResolutionScope resolutions;
+  const detail::ResolutionScope resolutions(mGlobalContext);
   try {
     auto table = mTableContext.table(update.table);
     if (!table) {

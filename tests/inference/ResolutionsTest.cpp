@@ -1,10 +1,15 @@
 // Overloads are chosen once per statement and reused: within one statement, an operator or a
 // function met again with other operand types, another quantifier or another callee must still
-// get its own overload. Each select item of a statement is typed as it is typed alone.
+// get its own overload. Each select item of a statement is typed as it is typed alone. A
+// catalogue with revisions lets the choices last from statement to statement, until it changes.
 #include <velmor/sql/host/CatalogueFile.h>
 #include <velmor/sql/parser/SqlParser.h>
 #include <velmor/sql/scope/ScopeBuilder.h>
 #include <velmor/sql/host/TypeNames.h>
+#include <velmor/sql/validation/Validator.h>
+
+#include <functional>
+#include <memory>
 
 #include <gtest/gtest.h>
 
@@ -41,6 +46,139 @@ TEST(Resolutions, EachItemIsTypedAsItIsAlone) {
     ASSERT_EQ(alone.size(), 1u) << items[i];
     EXPECT_EQ(together[i], alone.front()) << items[i];
   }
+}
+
+// Counts what the library asks of an operator of the catalogue.
+class CountingOperator final : public OperatorInfo {
+public:
+  explicit CountingOperator(std::shared_ptr<OperatorInfo> inner) : mInner(std::move(inner)) {}
+  std::vector<std::shared_ptr<OperatorOverloadInfo>> overloads() const override {
+    ++asked;
+    return mInner->overloads();
+  }
+  mutable int asked = 0;
+
+private:
+  std::shared_ptr<OperatorInfo> mInner;
+};
+
+// The catalogue's answers through a context that has no revisions.
+class Unrevised final : public GlobalTypeContext {
+public:
+  explicit Unrevised(const host::Catalogue& inner) : mInner(inner) {}
+  std::shared_ptr<FunctionInfo> function(const std::wstring& name) const override { return mInner.function(name); }
+  std::shared_ptr<OperatorInfo> operatorInfo(OperationCode code) const override { return mInner.operatorInfo(code); }
+  bool canConvert(type::PlainType from, type::PlainType to) const override { return mInner.canConvert(from, to); }
+  std::shared_ptr<Type> convert(const std::shared_ptr<Type>& value, type::PlainType to) const override {
+    return mInner.convert(value, to);
+  }
+  int compareTypes(type::PlainType a, type::PlainType b) const override { return mInner.compareTypes(a, b); }
+
+private:
+  const host::Catalogue& mInner;
+};
+
+struct Counted {
+  host::Catalogue catalogue;
+  std::shared_ptr<CountingOperator> plus;
+  Counted() {
+    catalogue.addStandardSql();
+    catalogue.addTable(L"t", std::vector<ColumnInfo>{ColumnInfo(L"a", std::make_shared<Type>(type::PlainType::Integer), L"t")});
+    plus = std::make_shared<CountingOperator>(catalogue.operatorInfo(OperationCode::Plus));
+    catalogue.setOperator(OperationCode::Plus, plus);
+  }
+  std::string typeOf(const GlobalTypeContext& global, const std::string& text) {
+    SqlParser parser(catalogue);
+    EXPECT_TRUE(parser.parse(text)) << text;
+    const auto table = buildTableInfo(global, catalogue, parser.result, Scoping::Standard);
+    return host::typeText(table->columnByIndex(0).type());
+  }
+};
+
+TEST(Resolutions, LastFromStatementToStatementWhileTheCatalogueStays) {
+  Counted counted;
+  EXPECT_EQ(counted.typeOf(counted.catalogue, "SELECT a + a FROM t"), "Integer");
+  EXPECT_EQ(counted.typeOf(counted.catalogue, "SELECT a + a FROM t"), "Integer");
+  Validator validator(counted.catalogue, counted.catalogue, nullptr);
+  validator.setScoping(Scoping::Standard);
+  SqlParser parser(counted.catalogue);
+  ASSERT_TRUE(parser.parse("SELECT a + a FROM t"));
+  EXPECT_TRUE(validator.validateStatement(parser.result));
+  EXPECT_EQ(counted.plus->asked, 1);
+  // Other operand types are another question.
+  EXPECT_EQ(counted.typeOf(counted.catalogue, "SELECT a + 1.5 FROM t"), "Decimal(12,1)");
+  EXPECT_EQ(counted.plus->asked, 2);
+  // Any change of the catalogue, even one that the question does not touch, starts again.
+  counted.catalogue.addConversion(type::PlainType::Date, type::PlainType::Date);
+  EXPECT_EQ(counted.typeOf(counted.catalogue, "SELECT a + a FROM t"), "Integer");
+  EXPECT_EQ(counted.plus->asked, 3);
+  // A context without revisions is asked once a statement.
+  const Unrevised unrevised(counted.catalogue);
+  EXPECT_EQ(counted.typeOf(unrevised, "SELECT a + a FROM t"), "Integer");
+  EXPECT_EQ(counted.typeOf(unrevised, "SELECT a + a FROM t"), "Integer");
+  EXPECT_EQ(counted.plus->asked, 5);
+}
+
+// An operator of fixed overloads.
+class FixedOperator final : public OperatorInfo {
+public:
+  explicit FixedOperator(std::vector<std::shared_ptr<OperatorOverloadInfo>> overloads) : mOverloads(std::move(overloads)) {}
+  std::vector<std::shared_ptr<OperatorOverloadInfo>> overloads() const override { return mOverloads; }
+
+private:
+  std::vector<std::shared_ptr<OperatorOverloadInfo>> mOverloads;
+};
+
+TEST(Resolutions, AReplacedOperatorIsChosenAnew) {
+  Counted counted;
+  EXPECT_EQ(counted.typeOf(counted.catalogue, "SELECT a + a FROM t"), "Integer");
+  const auto toDouble = [](const std::vector<std::shared_ptr<Type>>&) { return std::make_shared<Type>(type::PlainType::Double); };
+  const std::vector<type::PlainType> integers{type::PlainType::Integer, type::PlainType::Integer};
+  counted.catalogue.setOperator(OperationCode::Plus, std::make_shared<FixedOperator>(std::vector<std::shared_ptr<OperatorOverloadInfo>>{
+                                                         std::make_shared<OperatorOverloadInfo>(type::PlainType::Double, integers, toDouble)}));
+  EXPECT_EQ(counted.typeOf(counted.catalogue, "SELECT a + a FROM t"), "Double");
+}
+
+TEST(Resolutions, AChangedRankingIsChosenAnew) {
+  // The same operator object throughout: only the revision tells that the choice may differ.
+  Counted counted;
+  const auto to = [](type::PlainType plain) {
+    return [plain](const std::vector<std::shared_ptr<Type>>&) { return std::make_shared<Type>(plain); };
+  };
+  const auto overload = [&](type::PlainType plain) {
+    return std::make_shared<OperatorOverloadInfo>(plain, std::vector<type::PlainType>{plain, plain}, to(plain));
+  };
+  counted.catalogue.setOperator(OperationCode::Plus, std::make_shared<FixedOperator>(std::vector<std::shared_ptr<OperatorOverloadInfo>>{
+                                                         overload(type::PlainType::Decimal), overload(type::PlainType::Double)}));
+  const std::string before = counted.typeOf(counted.catalogue, "SELECT a + a FROM t");
+  counted.catalogue.setRanking({{type::PlainType::Integer}, {type::PlainType::Double}, {type::PlainType::Decimal}});
+  EXPECT_EQ(counted.typeOf(counted.catalogue, "SELECT a + a FROM t"), "Double");
+  counted.catalogue.setRanking({{type::PlainType::Integer}, {type::PlainType::Decimal}, {type::PlainType::Double}});
+  EXPECT_EQ(counted.typeOf(counted.catalogue, "SELECT a + a FROM t"), before);
+}
+
+TEST(Resolutions, EveryChangeOfTheCatalogueGivesANewRevision) {
+  host::Catalogue catalogue;
+  const std::vector<std::pair<const char*, std::function<void()>>> changes = {
+      {"addStandardSql", [&] { catalogue.addStandardSql(); }},
+      {"addTypeName", [&] { catalogue.addTypeName("Place", std::make_shared<Type>(type::PlainType::BinaryLargeObject)); }},
+      {"addTypeSet", [&] { catalogue.addTypeSet("places", {"Place"}); }},
+      {"addTable", [&] { catalogue.addTable(L"u", std::vector<ColumnInfo>{}); }},
+      {"addFunction", [&] { catalogue.addFunction(L"f", FunctionKind::Ordinary, std::vector<std::shared_ptr<OverloadInfo>>{}); }},
+      {"addOperator", [&] { catalogue.addOperator(OperationCode::Concat, std::vector<std::shared_ptr<OperatorOverloadInfo>>{}); }},
+      {"setOperator", [&] { catalogue.setOperator(OperationCode::Concat, nullptr); }},
+      {"addConversion", [&] { catalogue.addConversion(type::PlainType::Date, type::PlainType::Timestamp); }},
+      {"setRanking", [&] { catalogue.setRanking({{type::PlainType::Integer}}); }},
+      {"setPrecedenceLevel", [&] { catalogue.setPrecedenceLevel(OperationCode::Plus, 3); }},
+  };
+  for (const auto& [name, change] : changes) {
+    const std::uint64_t before = catalogue.revision();
+    change();
+    EXPECT_NE(catalogue.revision(), before) << name;
+  }
+  // Two catalogues never share a revision.
+  const host::Catalogue other;
+  EXPECT_NE(other.revision(), catalogue.revision());
 }
 
 } // namespace

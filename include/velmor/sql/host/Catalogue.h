@@ -105,7 +105,13 @@ VELMOR_SQL_HOST_API std::string writeCatalogue(const Catalogue& catalogue);
 /// functions through normalized(), type texts by ASCII case). Filling is not thread-safe; once
 /// filled, the const interface may serve any number of threads, and the library's objects borrow
 /// the catalogue, which must outlive them. Lookups that find nothing give an empty pointer.
+///
+/// Every change through a method gives the catalogue a new revision (RevisedContext), so checks
+/// may remember their overload choices from statement to statement until the next change. The
+/// overloads and operators handed to the catalogue, or read from it, are not to be changed in
+/// place afterwards: add or set them again instead.
 class VELMOR_SQL_HOST_API Catalogue : public GlobalTypeContext,
+                                      public RevisedContext,
                                       public TableInfoContext,
                                       public StringBuildContext,
                                       public ParseContext {
@@ -197,6 +203,7 @@ public:
   std::shared_ptr<Type> convert(const std::shared_ptr<Type>& value, type::PlainType to) const override;
   /// By the ranking; unlisted types stand above all listed ones, in number order.
   int compareTypes(type::PlainType a, type::PlainType b) const override;
+  std::uint64_t revision() const noexcept override { return m_revision; }
   std::shared_ptr<TableInfo> table(const std::wstring& name) const override;
   int comparePrecedence(OperationCode inner, OperationCode outer) const override;
   /// The text of a custom operator; "UNKNOWN_OPERATOR" for one the catalogue does not know.
@@ -242,6 +249,9 @@ private:
   std::map<std::string, std::shared_ptr<Type>> m_typeNames;           // by lower-case name
   std::map<std::string, std::vector<type::PlainType>> m_typeSets;     // by lower-case name
   std::map<std::string, std::string> m_givenNames; // type names and sets as given, by lower-case name
+  std::uint64_t m_revision = RevisedContext::nextRevision();
+  // Called by every method that changes what the catalogue answers.
+  void changed() noexcept { m_revision = RevisedContext::nextRevision(); }
 };
 
 } // namespace velmor::sql::host

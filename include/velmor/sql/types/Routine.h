@@ -120,4 +120,18 @@ public:
   virtual int compareTypes(type::PlainType a, type::PlainType b) const = 0;
 };
 
+/// What a host's GlobalTypeContext may also be: one whose answers (its functions and operators,
+/// their overloads, conversions and the scale of types) stay the same for as long as
+/// revision() gives the same number. The checks on a thread then remember the overloads they
+/// chose from one statement to the next while the number stays, instead of within one statement
+/// only. Take every number from nextRevision(), at construction and after every change, so that
+/// no two states of any contexts of the process share one.
+class VELMOR_SQL_API RevisedContext {
+public:
+  virtual ~RevisedContext();
+  virtual std::uint64_t revision() const noexcept = 0;
+  /// A number that no call gave before in this process; safe from any thread.
+  static std::uint64_t nextRevision() noexcept;
+};
+
 } // namespace velmor::sql
