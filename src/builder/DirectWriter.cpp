@@ -13,6 +13,7 @@
 #include <velmor/sql/builder/Keywords.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <exception>
 #include <string_view>
@@ -29,6 +30,10 @@ using builder::recordOf;
 
 // Thrown where the fragment walk would report something; caught in writeDirectly.
 struct GiveUp {};
+
+// Units of buffer a builder keeps between calls: a buffer grown for an unusually long text
+// goes with it.
+constexpr std::size_t kKeptUnits = std::size_t{1} << 16;
 
 // A growing text over a buffer that the builder keeps: its size is the capacity in use, so
 // that no unit is initialised twice; the text is copied out once at the end.
@@ -120,12 +125,13 @@ bool writesInfix(const ast::Operation& op) {
 
 // The trees of a corpus written one after another have left the caches. Asking for the
 // records of all children of a node, and the texts of a record, before the first is needed
-// lets their fetches overlap instead of following one another.
-// A record mostly spans two lines of the cache; both are asked for.
+// lets their fetches overlap instead of following one another. A record mostly spans two
+// lines of the cache; both are asked for.
 void prefetch(const ast::Node& node) {
-  const char* record = reinterpret_cast<const char*>(node.mImpl.get());
-  __builtin_prefetch(record);
-  __builtin_prefetch(record + 64);
+  const auto record = reinterpret_cast<std::uintptr_t>(node.mImpl.get());
+  if (record == 0) return;
+  __builtin_prefetch(reinterpret_cast<const void*>(record));
+  __builtin_prefetch(reinterpret_cast<const void*>(record + 64));
 }
 template <class Nodes>
 void prefetchAll(const Nodes& nodes) {
@@ -805,7 +811,7 @@ void DirectWriter::visit(const ast::QuerySpecification& record) {
 } // namespace
 
 void SqlStringBuilder::giveUp(std::wstring& buffer, std::size_t links, std::size_t queries) {
-  mDirectBuffer = std::move(buffer);
+  if (buffer.size() <= kKeptUnits) mDirectBuffer = std::move(buffer);
   mDirectLinks.resize(links);
   mDirectQueries.resize(queries);
 }
@@ -835,7 +841,7 @@ bool SqlStringBuilder::writeDirectly(const ast::Node& node, std::wstring& text) 
     giveUp(buffer, links, queries);
     return false;
   }
-  mDirectBuffer = std::move(buffer);
+  if (buffer.size() <= kKeptUnits) mDirectBuffer = std::move(buffer);
   return true;
 }
 

@@ -36,6 +36,10 @@ public:
 /// record it visited. A derived builder overrides visits, the clause hooks or constructSelect,
 /// and must keep that discipline. One builder serves one walk at a time; different builders
 /// may walk one tree at once.
+///
+/// buildString on a SqlStringBuilder or RenameTableBuilder itself (no derived class) writes the
+/// same text in one pass into a buffer that the builder keeps between calls (up to 256 KiB),
+/// without the visits above; whatever those would report it leaves to them.
 class VELMOR_SQL_API SqlStringBuilder : public ast::NodeVisitor {
 public:
   using Transform = std::function<std::wstring&(std::wstring&)>;
