@@ -336,10 +336,7 @@ public:
     if (record.values.empty()) throw GiveUp{};
     prefetchAll(record.values);
     mOut.put(L'(');
-    for (std::size_t i = 0; i < record.values.size(); ++i) {
-      if (i != 0) mOut.put(L", ");
-      write(record.values[i]);
-    }
+    writeList(record.values);
     mOut.put(L')');
   }
   void visit(const ast::RowValueExpressionList& record) override {
@@ -347,10 +344,7 @@ public:
     // Each row brings its own parentheses; the list itself has none.
     if (record.rows.empty()) throw GiveUp{};
     prefetchAll(record.rows);
-    for (std::size_t i = 0; i < record.rows.size(); ++i) {
-      if (i != 0) mOut.put(L", ");
-      write(record.rows[i]);
-    }
+    writeList(record.rows);
   }
   void visit(const ast::SetClause& clause) override {
     mVisited = true;
@@ -446,6 +440,8 @@ private:
       prefetch(recordOf<ast::Number>(node).text);
     } else if (kind == Kind::String) {
       prefetch(recordOf<ast::String>(node).value.value());
+    } else if (kind == Kind::DerivedColumn) {
+      prefetch(recordOf<ast::DerivedColumn>(node).expression);
     }
     return {kind, nullptr};
   }
@@ -486,6 +482,21 @@ private:
     case Kind::UpdateStatement: break;
     }
     write(node);
+  }
+  // The items of a list, separated by commas: their kinds are learned, and the texts of the
+  // leaves asked for, a few items ahead of writing them, so that the fetches overlap.
+  template <class Nodes>
+  void writeList(const Nodes& nodes) {
+    constexpr std::size_t kAhead = 8;
+    Kind kinds[kAhead];
+    for (std::size_t start = 0; start < nodes.size(); start += kAhead) {
+      const std::size_t end = std::min(nodes.size(), start + kAhead);
+      for (std::size_t i = start; i < end; ++i) kinds[i - start] = probe(nodes[i]).kind;
+      for (std::size_t i = start; i < end; ++i) {
+        if (i != 0) mOut.put(L", ");
+        writeKnown(nodes[i], kinds[i - start]);
+      }
+    }
   }
   void writeOperand(const ast::Operation& op, bool right, const ast::Node& node, Probe operand) {
     const bool grouped = builder::groupsOperand(op, right, operand.kind, operand.operation, mContext);
@@ -741,10 +752,7 @@ void DirectWriter::selectHead(const ast::QuerySpecification& query) {
   if (query.selectList.empty()) {
     mOut.put(L'*');
   } else {
-    for (std::size_t i = 0; i < query.selectList.size(); ++i) {
-      if (i != 0) mOut.put(L", ");
-      write(query.selectList[i]);
-    }
+    writeList(query.selectList);
   }
   mOut.put(L" FROM ");
 }
@@ -758,9 +766,9 @@ void DirectWriter::clausesAfterFrom(const ast::QuerySpecification& query) {
     mOut.put(L' ');
     write(query.into);
   }
-  for (std::size_t i = 0; i < query.groupBy.size(); ++i) {
-    mOut.put(i == 0 ? std::wstring_view(L" GROUP BY ") : std::wstring_view(L", "));
-    write(query.groupBy[i]);
+  if (!query.groupBy.empty()) {
+    mOut.put(L" GROUP BY ");
+    writeList(query.groupBy);
   }
   if (!query.having.isNull()) {
     mOut.put(L" HAVING ");
