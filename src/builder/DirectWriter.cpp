@@ -409,7 +409,14 @@ private:
   // A node whose record has a text; one of EmptyNode here would leave the walk's stack short.
   void write(const ast::Node& node) {
     mVisited = false;
-    node.accept(*this);
+    // Node::accept looks at the stack on every level, to go on on a fresh segment when little
+    // is left; a look every eighth level is as safe, since seven levels between two looks use
+    // a small part of the room it keeps in reserve.
+    if ((++mLevel & 7u) != 0 && node.mImpl)
+      node.mImpl->accept(*this);
+    else
+      node.accept(*this);
+    --mLevel;
     if (!mVisited) throw GiveUp{};
   }
   void writeGrouped(const ast::Node& node, bool grouped) {
@@ -440,8 +447,6 @@ private:
       prefetch(recordOf<ast::Number>(node).text);
     } else if (kind == Kind::String) {
       prefetch(recordOf<ast::String>(node).value.value());
-    } else if (kind == Kind::DerivedColumn) {
-      prefetch(recordOf<ast::DerivedColumn>(node).expression);
     }
     return {kind, nullptr};
   }
@@ -483,8 +488,9 @@ private:
     }
     write(node);
   }
-  // The items of a list, separated by commas: their kinds are learned, and the texts of the
-  // leaves asked for, a few items ahead of writing them, so that the fetches overlap.
+  // The items of a list of mostly leaves (values, rows, grouping keys), separated by commas:
+  // their kinds are learned, and their texts asked for, a few items ahead of writing them, so
+  // that the fetches overlap.
   template <class Nodes>
   void writeList(const Nodes& nodes) {
     constexpr std::size_t kAhead = 8;
@@ -583,6 +589,7 @@ private:
   const std::wstring* mNewName;
   const Keywords& mKeywords;
   bool mVisited = false;
+  unsigned mLevel = 0;
 };
 
 void DirectWriter::string(const std::wstring& value) {
@@ -752,7 +759,10 @@ void DirectWriter::selectHead(const ast::QuerySpecification& query) {
   if (query.selectList.empty()) {
     mOut.put(L'*');
   } else {
-    writeList(query.selectList);
+    for (std::size_t i = 0; i < query.selectList.size(); ++i) {
+      if (i != 0) mOut.put(L", ");
+      write(query.selectList[i]);
+    }
   }
   mOut.put(L" FROM ");
 }
