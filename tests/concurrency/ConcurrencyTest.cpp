@@ -42,6 +42,25 @@ const char* const kStatements[] = {
     "DELETE FROM cities WHERE id = 1",
 };
 
+// Runs `check(k)` for every k below `count`, twenty rounds on each of eight threads, which start
+// at different places so that they meet on every item; gives the sum of what the calls gave.
+template <class Check>
+int onEightThreads(std::size_t count, const Check& check) {
+  constexpr int kThreads = 8;
+  constexpr int kRounds = 20;
+  std::atomic<int> mismatches{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      for (int round = 0; round < kRounds; ++round) {
+        for (std::size_t i = 0; i < count; ++i) mismatches += check((i + static_cast<std::size_t>(t)) % count);
+      }
+    });
+  }
+  for (auto& thread : threads) thread.join();
+  return mismatches.load();
+}
+
 // Everything the library says about one tree, as text: its canonical form, the types of its
 // select list, its result table and its validation faults.
 std::string describe(const ast::Node& tree, const sample::SampleHost& host) {
@@ -108,31 +127,20 @@ TEST(Concurrency, EightThreadsShareTreesTypesAndCatalogue) {
     }, std::shared_ptr<TableInfo>()));
   }
 
-  constexpr int kThreads = 8;
-  constexpr int kRounds = 20;
-  std::atomic<int> mismatches{0};
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&, t] {
-      for (int round = 0; round < kRounds; ++round) {
-        for (std::size_t i = 0; i < trees.size(); ++i) {
-          // Threads walk the list from different places, so that they meet on every tree.
-          const std::size_t k = (i + static_cast<std::size_t>(t)) % trees.size();
-          if (describe(trees[k], host) != expected[k]) ++mismatches;
-          if (describe(parse(kStatements[k]), host) != expected[k]) ++mismatches;
-          if (tables[k]) {
-            for (std::size_t c = 0; c < tables[k]->columnCount(); ++c)
-              if (typeText(tables[k]->columnByIndex(c).type()).empty()) ++mismatches;
-          }
-          // Copies of shared handles come and go: the counts are the only thing written.
-          std::vector<ast::Node> copies = ast::children(trees[k]);
-          copies.clear();
-        }
-      }
-    });
-  }
-  for (auto& thread : threads) thread.join();
-  EXPECT_EQ(mismatches.load(), 0);
+  const int mismatches = onEightThreads(trees.size(), [&](std::size_t k) {
+    int wrong = 0;
+    if (describe(trees[k], host) != expected[k]) ++wrong;
+    if (describe(parse(kStatements[k]), host) != expected[k]) ++wrong;
+    if (tables[k]) {
+      for (std::size_t c = 0; c < tables[k]->columnCount(); ++c)
+        if (typeText(tables[k]->columnByIndex(c).type()).empty()) ++wrong;
+    }
+    // Copies of shared handles come and go: the counts are the only thing written.
+    std::vector<ast::Node> copies = ast::children(trees[k]);
+    copies.clear();
+    return wrong;
+  });
+  EXPECT_EQ(mismatches, 0);
 }
 
 // The faults of a check in standard scoping against the kit's GIS sample, as text.
@@ -160,22 +168,10 @@ TEST(Concurrency, EightThreadsCheckAgainstTheKitsCatalogue) {
   std::vector<std::string> expected;
   for (const std::string& statement : statements) expected.push_back(standardCheck(statement, *catalogue));
 
-  constexpr int kThreads = 8;
-  constexpr int kRounds = 20;
-  std::atomic<int> mismatches{0};
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&, t] {
-      for (int round = 0; round < kRounds; ++round) {
-        for (std::size_t i = 0; i < statements.size(); ++i) {
-          const std::size_t k = (i + static_cast<std::size_t>(t)) % statements.size();
-          if (standardCheck(statements[k], *catalogue) != expected[k]) ++mismatches;
-        }
-      }
-    });
-  }
-  for (auto& thread : threads) thread.join();
-  EXPECT_EQ(mismatches.load(), 0);
+  const int mismatches = onEightThreads(statements.size(), [&](std::size_t k) {
+    return standardCheck(statements[k], *catalogue) != expected[k] ? 1 : 0;
+  });
+  EXPECT_EQ(mismatches, 0);
 }
 
 } // namespace
