@@ -152,7 +152,7 @@ void BM_ParseAll(benchmark::State& state) {
       benchmark::Counter(static_cast<double>(lines.size()), benchmark::Counter::kIsIterationInvariantRate);
 }
 
-void BM_CheckAllStandard(benchmark::State& state) {
+void checkAll(benchmark::State& state, Scoping scoping) {
   const auto& trees = allTrees();
   const auto hostCatalogue = corpus::corpusCatalogue();
   const host::Catalogue& catalogue = *hostCatalogue;
@@ -161,7 +161,7 @@ void BM_CheckAllStandard(benchmark::State& state) {
     good = 0;
     for (const auto& tree : trees) {
       Validator validator(catalogue, catalogue, nullptr);
-      validator.setScoping(Scoping::Standard);
+      validator.setScoping(scoping);
       good += validator.validateStatement(tree) ? 1 : 0;
     }
   }
@@ -170,24 +170,11 @@ void BM_CheckAllStandard(benchmark::State& state) {
   state.counters["valid"] = static_cast<double>(good) / static_cast<double>(trees.size());
 }
 
+void BM_CheckAllStandard(benchmark::State& state) { checkAll(state, Scoping::Standard); }
+
 // The same trees in the library's default, compatible scoping (the kinds it cannot check fail
 // fast), so that both modes are measured in one run.
-void BM_CheckAllCompatible(benchmark::State& state) {
-  const auto& trees = allTrees();
-  const auto hostCatalogue = corpus::corpusCatalogue();
-  const host::Catalogue& catalogue = *hostCatalogue;
-  std::size_t good = 0;
-  for (auto _ : state) {
-    good = 0;
-    for (const auto& tree : trees) {
-      Validator validator(catalogue, catalogue, nullptr);
-      good += validator.validateStatement(tree) ? 1 : 0;
-    }
-  }
-  state.counters["statements/s"] =
-      benchmark::Counter(static_cast<double>(trees.size()), benchmark::Counter::kIsIterationInvariantRate);
-  state.counters["valid"] = static_cast<double>(good) / static_cast<double>(trees.size());
-}
+void BM_CheckAllCompatible(benchmark::State& state) { checkAll(state, Scoping::Compatible); }
 
 // Parse and check each statement in turn, as a host does: the tree is checked while it is still
 // in the cache. Less BM_ParseAll, what the check adds to a parse.

@@ -521,7 +521,7 @@ std::vector<std::shared_ptr<OperatorOverloadInfo>> Catalogue::overloadsOf(const 
 
 void Catalogue::addOperator(OperationCode code, std::vector<std::shared_ptr<OperatorOverloadInfo>> overloads) {
   changed();
-  auto& slot = m_operators[code];
+  auto& slot = operatorSlot(code);
   auto* own = dynamic_cast<Operator*>(slot.get());
   if (!own) {
     auto fresh = std::make_shared<Operator>();
@@ -533,7 +533,14 @@ void Catalogue::addOperator(OperationCode code, std::vector<std::shared_ptr<Oper
 
 void Catalogue::setOperator(OperationCode code, std::shared_ptr<OperatorInfo> info) {
   changed();
-  m_operators[code] = std::move(info);
+  operatorSlot(code) = std::move(info);
+}
+
+std::shared_ptr<OperatorInfo>& Catalogue::operatorSlot(OperationCode code) {
+  std::shared_ptr<OperatorInfo>& slot = m_operators[code];
+  const auto dense = static_cast<std::uint32_t>(code);
+  if (dense < m_denseOperators.size()) m_denseOperators[dense] = &slot;
+  return slot;
 }
 
 void Catalogue::addCustomOperator(OperationCode code, std::wstring text, int level) {
@@ -627,6 +634,8 @@ std::shared_ptr<FunctionInfo> Catalogue::function(const std::wstring& name) cons
 }
 
 std::shared_ptr<OperatorInfo> Catalogue::operatorInfo(OperationCode code) const {
+  const auto dense = static_cast<std::uint32_t>(code);
+  if (dense < m_denseOperators.size()) return m_denseOperators[dense] ? *m_denseOperators[dense] : nullptr;
   const auto found = m_operators.find(code);
   return found == m_operators.end() ? nullptr : found->second;
 }

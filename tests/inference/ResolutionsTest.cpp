@@ -157,6 +157,22 @@ TEST(Resolutions, AChangedRankingIsChosenAnew) {
   EXPECT_EQ(counted.typeOf(counted.catalogue, "SELECT a + a FROM t"), before);
 }
 
+TEST(Resolutions, TheCatalogueFindsOperatorsOfAnyNumber) {
+  // Numbers below 64 are looked up by place, the others by search: both sides of that line.
+  host::Catalogue catalogue;
+  for (const int number : {0, 1, 63, 64, 65, 1000}) {
+    const auto code = static_cast<OperationCode>(number);
+    EXPECT_EQ(catalogue.operatorInfo(code), nullptr) << number;
+    const auto info = std::make_shared<FixedOperator>(std::vector<std::shared_ptr<OperatorOverloadInfo>>{});
+    catalogue.setOperator(code, info);
+    EXPECT_EQ(catalogue.operatorInfo(code), info) << number;
+    catalogue.addOperator(code, std::vector<std::shared_ptr<OperatorOverloadInfo>>{});
+    EXPECT_NE(catalogue.operatorInfo(code), info) << number;  // a host's operator gives way to the catalogue's own
+    EXPECT_NE(catalogue.operatorInfo(code), nullptr) << number;
+  }
+  EXPECT_EQ(catalogue.operatorInfo(static_cast<OperationCode>(62)), nullptr);
+}
+
 TEST(Resolutions, EveryChangeOfTheCatalogueGivesANewRevision) {
   host::Catalogue catalogue;
   const std::vector<std::pair<const char*, std::function<void()>>> changes = {

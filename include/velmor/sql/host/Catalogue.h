@@ -242,6 +242,10 @@ private:
   static constexpr int denseTypes = 32;
   std::array<std::uint32_t, denseTypes> m_convertible{};
   std::array<int, denseTypes> m_denseRanks{};
+  // The library's operators (numbered below 64) by number: the library asks for one per
+  // operation it types. Each points at its entry of m_operators, whose place never moves.
+  std::array<const std::shared_ptr<OperatorInfo>*, 64> m_denseOperators{};
+  std::shared_ptr<OperatorInfo>& operatorSlot(OperationCode code);
   std::map<OperationCode, int> m_levels;
   bool m_ownPrecedence = false;
   bool m_standardSql = false;
