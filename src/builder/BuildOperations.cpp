@@ -250,6 +250,7 @@ void SqlStringBuilder::processOperation(const ast::Operation& op, const Transfor
 }
 
 bool SqlStringBuilder::needParantheses(const ast::Operation& op, bool right) const {
+  // What the operator alone decides, before its operand (which may be missing) is looked at.
   if (right && op.quantifier != ast::Quantifier::None) return true;
   if (op.operation == OperationCode::In || op.operation == OperationCode::NotIn) return right;
   // Operand 0 of a unary operator is its right side; the left side of a binary one is 0.

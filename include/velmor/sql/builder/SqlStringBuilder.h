@@ -159,6 +159,10 @@ private:
   // a derived table over the next) written in one pass so that the cost stays linear in their
   // length; only where nothing could observe the inner links.
   bool writesChainsWhole() const;
+  void writeUnaryChain(std::vector<const ast::Operation*>& chain);
+  void writeInfixChain(std::vector<const ast::Operation*>& chain);
+  static bool nestsQueries(const ast::QuerySpecification& query);
+  void writeQueryChain(const ast::QuerySpecification& top);
 
   // The library's own builders write a tree front to back into one buffer, without fragments;
   // false when the tree has something that only the walk above reports (a fault, a node of
@@ -170,10 +174,6 @@ private:
   std::wstring mDirectBuffer;
   std::vector<std::pair<const ast::Operation*, bool>> mDirectLinks;
   std::vector<const ast::QuerySpecification*> mDirectQueries;
-  void writeUnaryChain(std::vector<const ast::Operation*>& chain);
-  void writeInfixChain(std::vector<const ast::Operation*>& chain);
-  static bool nestsQueries(const ast::QuerySpecification& query);
-  void writeQueryChain(const ast::QuerySpecification& top);
 };
 
 } // namespace velmor::sql
