@@ -1,4 +1,6 @@
-// Parse, write canonical SQL, parse that again, and so on: the canonical text settles. The
+// Parse, write canonical SQL, parse that again, and so on: the canonical text settles; and the
+// library's own builder, which writes in one pass, writes what a derived builder's record-by-record
+// walk writes. The
 // writer has known shapes whose text reads back as another tree (a keyword it does not
 // bracket, a query under EXISTS, VALUES outside INSERT, a row of one value, a unary minus over
 // a comparison, which loses its parentheses, ...); each step may then drop one such grouping,
@@ -14,6 +16,7 @@
 #include <cstdlib>
 #include <optional>
 #include <stdexcept>
+#include <string>
 
 using namespace velmor::sql;
 
@@ -62,6 +65,23 @@ std::optional<std::string> canonical(const std::string& text, const StringBuildC
   }
 }
 
+// A builder of the host's own, which the library writes through the walk of visits.
+class WalkingBuilder final : public SqlStringBuilder {
+public:
+  using SqlStringBuilder::SqlStringBuilder;
+};
+
+// The text of `tree` from a builder of kind B; nothing when the tree has no text (ROW()).
+template <class B>
+std::optional<std::wstring> written(const ast::Node& tree, const StringBuildContext* context) {
+  B builder(context);
+  try {
+    return builder.buildString(tree);
+  } catch (const std::out_of_range&) {
+    return std::nullopt;
+  }
+}
+
 // Known shapes that never settle, from the writer's own list of texts that do not read back.
 // A string value with a double quote is written \" inside double quotes, which ends the piece
 // when read, so each step changes the string again.
@@ -81,6 +101,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     for (const StringBuildContext* context : {static_cast<const StringBuildContext*>(&defaultContext),
                                               static_cast<const StringBuildContext*>(nullptr)}) {
+      {
+        const ParseContext parseContext;
+        SqlParser parser(parseContext);
+        if (parser.parse(fuzz::text(data, size))) {
+          VELMOR_FUZZ_CHECK(written<SqlStringBuilder>(parser.result, context) ==
+                                written<WalkingBuilder>(parser.result, context),
+                            "one-pass and walked texts agree");
+        }
+      }
       std::optional<std::string> previous = canonical(fuzz::text(data, size), context);
       if (!previous || neverSettles(*previous)) continue;
       constexpr int kSteps = 16;
