@@ -108,15 +108,20 @@ inline void parenthesize(std::wstring& text) {
   text.push_back(L')');
 }
 
-inline void appendUnsigned(std::wstring& text, std::uint64_t value) {
-  wchar_t digits[24];
-  wchar_t* end = digits + 24;
+/// The decimal digits of `value`, written at the end of `room`.
+inline std::wstring_view decimalDigits(std::uint64_t value, std::array<wchar_t, 24>& room) {
+  wchar_t* const end = room.data() + room.size();
   wchar_t* begin = end;
   do {
     *--begin = static_cast<wchar_t>(L'0' + value % 10);
     value /= 10;
   } while (value != 0);
-  text.append(begin, end);
+  return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+inline void appendUnsigned(std::wstring& text, std::uint64_t value) {
+  std::array<wchar_t, 24> room;
+  text.append(decimalDigits(value, room));
 }
 
 } // namespace velmor::sql::builder

@@ -545,14 +545,9 @@ private:
   }
   void string(const std::wstring& value);
   void unsignedNumber(std::uint64_t value) {
-    wchar_t digits[24];
-    wchar_t* end = digits + 24;
-    wchar_t* begin = end;
-    do {
-      *--begin = static_cast<wchar_t>(L'0' + value % 10);
-      value /= 10;
-    } while (value != 0);
-    mOut.put(begin, static_cast<std::size_t>(end - begin));
+    std::array<wchar_t, 24> room;
+    const std::wstring_view digits = builder::decimalDigits(value, room);
+    mOut.put(digits.data(), digits.size());
   }
 
   void operatorText(OperationCode code) {
