@@ -32,6 +32,119 @@ namespace velmor::sql {
   EXACT = DIGIT+ "." DIGIT* | "." DIGIT+;
 */
 
+// The keyword that the ASCII name [begin, end) spells, else T_IDENTIFIER. The byte at `end`
+// must be readable and no letter, digit, '_' or '$': the automaton stops there at the latest.
+[[gnu::always_inline]] inline std::uint32_t keywordOf(const unsigned char* begin, const unsigned char* end) {
+  const unsigned char* cur = begin;
+  const unsigned char* mar = begin;
+  std::uint32_t id = T_IDENTIFIER;
+  /*!local:re2c
+    re2c:yyfill:enable = 0;
+    re2c:eof = -1;
+    re2c:indent:top = 1;
+
+    'all'        { id = T_ALL; goto matched; }
+    'and'        { id = T_AND; goto matched; }
+    'any'        { id = T_ANY; goto matched; }
+    'some'       { id = T_ANY; goto matched; }
+    'array'      { id = T_ARRAY; goto matched; }
+    'as'         { id = T_AS; goto matched; }
+    'asc'        { id = T_ASC; goto matched; }
+    'between'    { id = T_BETWEEN; goto matched; }
+    'by'         { id = T_BY; goto matched; }
+    'case'       { id = T_CASE; goto matched; }
+    'cast'       { id = T_CAST; goto matched; }
+    'contains'   { id = T_CONTAINS; goto matched; }
+    'cross'      { id = T_CROSS; goto matched; }
+    'default'    { id = T_DEFAULT; goto matched; }
+    'delete'     { id = T_DELETE; goto matched; }
+    'desc'       { id = T_DESC; goto matched; }
+    'distinct'   { id = T_DISTINCT; goto matched; }
+    'else'       { id = T_ELSE; goto matched; }
+    'end'        { id = T_END; goto matched; }
+    'entire'     { id = T_ENTIRE; goto matched; }
+    'entirely'   { id = T_ENTIRELY; goto matched; }
+    'except'     { id = T_EXCEPT; goto matched; }
+    'exists'     { id = T_EXISTS; goto matched; }
+    'false'      { id = T_FALSE; goto matched; }
+    'first'      { id = T_FIRST; goto matched; }
+    'from'       { id = T_FROM; goto matched; }
+    'full'       { id = T_FULL; goto matched; }
+    'glob'       { id = T_GLOB; goto matched; }
+    'group'      { id = T_GROUP; goto matched; }
+    'groupby'    { id = T_GROUPBY; goto matched; }
+    'having'     { id = T_HAVING; goto matched; }
+    'in'         { id = T_IN; goto matched; }
+    'inner'      { id = T_INNER; goto matched; }
+    'insert'     { id = T_INSERT; goto matched; }
+    'intersect'  { id = T_INTERSECT; goto matched; }
+    'intersects' { id = T_INTERSECTS; goto matched; }
+    'into'       { id = T_INTO; goto matched; }
+    'is'         { id = T_IS; goto matched; }
+    'join'       { id = T_JOIN; goto matched; }
+    'last'       { id = T_LAST; goto matched; }
+    'left'       { id = T_LEFT; goto matched; }
+    'like'       { id = T_LIKE; goto matched; }
+    'limit'      { id = T_LIMIT; goto matched; }
+    'mod'        { id = T_MOD; goto matched; }
+    'multiset'   { id = T_MULTISET; goto matched; }
+    'natural'    { id = T_NATURAL; goto matched; }
+    'noselect'   { id = T_NOSELECT; goto matched; }
+    'not'        { id = T_NOT; goto matched; }
+    'null'       { id = T_NULL; goto matched; }
+    'nulls'      { id = T_NULLS; goto matched; }
+    'offset'     { id = T_OFFSET; goto matched; }
+    'on'         { id = T_ON; goto matched; }
+    'or'         { id = T_OR; goto matched; }
+    'order'      { id = T_ORDER; goto matched; }
+    'orderby'    { id = T_ORDERBY; goto matched; }
+    'outer'      { id = T_OUTER; goto matched; }
+    'overriding' { id = T_OVERRIDING; goto matched; }
+    'part'       { id = T_PART; goto matched; }
+    'partly'     { id = T_PARTLY; goto matched; }
+    'regexp'     { id = T_REGEXP; goto matched; }
+    'right'      { id = T_RIGHT; goto matched; }
+    'row'        { id = T_ROW; goto matched; }
+    'select'     { id = T_SELECT; goto matched; }
+    'set'        { id = T_SET; goto matched; }
+    'system'     { id = T_SYSTEM; goto matched; }
+    'table'      { id = T_TABLE; goto matched; }
+    'then'       { id = T_THEN; goto matched; }
+    'true'       { id = T_TRUE; goto matched; }
+    'union'      { id = T_UNION; goto matched; }
+    'unique'     { id = T_UNIQUE; goto matched; }
+    'unknown'    { id = T_UNKNOWN; goto matched; }
+    'update'     { id = T_UPDATE; goto matched; }
+    'user'       { id = T_USER; goto matched; }
+    'using'      { id = T_USING; goto matched; }
+    'value'      { id = T_VALUE; goto matched; }
+    'values'     { id = T_VALUES; goto matched; }
+    'when'       { id = T_WHEN; goto matched; }
+    'where'      { id = T_WHERE; goto matched; }
+    'within'     { id = T_WITHIN; goto matched; }
+    'xor'        { id = T_XOR; goto matched; }
+
+    * { return T_IDENTIFIER; }
+  */
+matched:
+  // A keyword that is only the beginning of the name leaves a longer name.
+  return cur == end ? id : T_IDENTIFIER;
+}
+
+/// Bytes that may begin and continue an ASCII name, as the automaton's ASCII rule has them.
+inline constexpr auto asciiNameBytes = [] {
+  struct Classes {
+    bool start[256] = {};
+    bool part[256] = {};
+  } classes;
+  for (int c = 0; c < 256; ++c) {
+    const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+    classes.start[c] = letter;
+    classes.part[c] = letter || (c >= '0' && c <= '9') || c == '$';
+  }
+  return classes;
+}();
+
 [[gnu::always_inline]] inline bool Lexer::scan(Token& token) {
   if (mStatus != Status::Good) return false;
 
@@ -49,6 +162,17 @@ namespace velmor::sql {
       ++mColumn;
     }
     tok = cur;
+    // An ASCII name or keyword that an ASCII byte other than NUL ends: no rule matches longer
+    // from there, so the automaton would find the same lexeme, through many more states. "is"
+    // is left to it, for IS NOT; NUL may be the window's end or the text's.
+    if (asciiNameBytes.start[cur[0]]) {
+      const unsigned char* end = cur + 1;
+      while (asciiNameBytes.part[*end]) ++end;
+      if (*end != 0 && *end < 0x80 && !(end - cur == 2 && (cur[0] | 0x20) == 'i' && (cur[1] | 0x20) == 's')) {
+        cur = end;
+        goto asciiName;
+      }
+    }
     /*!re2c
       $ {
         if (mStatus == Status::Good) mStatus = Status::End;
@@ -58,93 +182,12 @@ namespace velmor::sql {
       " " { if (mStatus != Status::Good) goto ended; ++mColumn; continue; }
       WS+ { goto skipped; }
 
-      'all'        { id = T_ALL; goto plain; }
-      'and'        { id = T_AND; goto plain; }
-      'any'        { id = T_ANY; goto plain; }
-      'some'       { id = T_ANY; goto plain; }
-      'array'      { id = T_ARRAY; goto plain; }
-      'as'         { id = T_AS; goto plain; }
-      'asc'        { id = T_ASC; goto plain; }
-      'between'    { id = T_BETWEEN; goto plain; }
-      'by'         { id = T_BY; goto plain; }
-      'case'       { id = T_CASE; goto plain; }
-      'cast'       { id = T_CAST; goto plain; }
-      'contains'   { id = T_CONTAINS; goto plain; }
-      'cross'      { id = T_CROSS; goto plain; }
-      'default'    { id = T_DEFAULT; goto plain; }
-      'delete'     { id = T_DELETE; goto plain; }
-      'desc'       { id = T_DESC; goto plain; }
-      'distinct'   { id = T_DISTINCT; goto plain; }
-      'else'       { id = T_ELSE; goto plain; }
-      'end'        { id = T_END; goto plain; }
-      'entire'     { id = T_ENTIRE; goto plain; }
-      'entirely'   { id = T_ENTIRELY; goto plain; }
-      'except'     { id = T_EXCEPT; goto plain; }
-      'exists'     { id = T_EXISTS; goto plain; }
-      'false'      { id = T_FALSE; goto plain; }
-      'first'      { id = T_FIRST; goto plain; }
-      'from'       { id = T_FROM; goto plain; }
-      'full'       { id = T_FULL; goto plain; }
-      'glob'       { id = T_GLOB; goto plain; }
-      'group'      { id = T_GROUP; goto plain; }
-      'groupby'    { id = T_GROUPBY; goto plain; }
-      'having'     { id = T_HAVING; goto plain; }
-      'in'         { id = T_IN; goto plain; }
-      'inner'      { id = T_INNER; goto plain; }
-      'insert'     { id = T_INSERT; goto plain; }
-      'intersect'  { id = T_INTERSECT; goto plain; }
-      'intersects' { id = T_INTERSECTS; goto plain; }
-      'into'       { id = T_INTO; goto plain; }
-      'is'         { id = T_IS; goto plain; }
-      'join'       { id = T_JOIN; goto plain; }
-      'last'       { id = T_LAST; goto plain; }
-      'left'       { id = T_LEFT; goto plain; }
-      'like'       { id = T_LIKE; goto plain; }
-      'limit'      { id = T_LIMIT; goto plain; }
-      'mod'        { id = T_MOD; goto plain; }
-      'multiset'   { id = T_MULTISET; goto plain; }
-      'natural'    { id = T_NATURAL; goto plain; }
-      'noselect'   { id = T_NOSELECT; goto plain; }
-      'not'        { id = T_NOT; goto plain; }
-      'null'       { id = T_NULL; goto plain; }
-      'nulls'      { id = T_NULLS; goto plain; }
-      'offset'     { id = T_OFFSET; goto plain; }
-      'on'         { id = T_ON; goto plain; }
-      'or'         { id = T_OR; goto plain; }
-      'order'      { id = T_ORDER; goto plain; }
-      'orderby'    { id = T_ORDERBY; goto plain; }
-      'outer'      { id = T_OUTER; goto plain; }
-      'overriding' { id = T_OVERRIDING; goto plain; }
-      'part'       { id = T_PART; goto plain; }
-      'partly'     { id = T_PARTLY; goto plain; }
-      'regexp'     { id = T_REGEXP; goto plain; }
-      'right'      { id = T_RIGHT; goto plain; }
-      'row'        { id = T_ROW; goto plain; }
-      'select'     { id = T_SELECT; goto plain; }
-      'set'        { id = T_SET; goto plain; }
-      'system'     { id = T_SYSTEM; goto plain; }
-      'table'      { id = T_TABLE; goto plain; }
-      'then'       { id = T_THEN; goto plain; }
-      'true'       { id = T_TRUE; goto plain; }
-      'union'      { id = T_UNION; goto plain; }
-      'unique'     { id = T_UNIQUE; goto plain; }
-      'unknown'    { id = T_UNKNOWN; goto plain; }
-      'update'     { id = T_UPDATE; goto plain; }
-      'user'       { id = T_USER; goto plain; }
-      'using'      { id = T_USING; goto plain; }
-      'value'      { id = T_VALUE; goto plain; }
-      'values'     { id = T_VALUES; goto plain; }
-      'when'       { id = T_WHEN; goto plain; }
-      'where'      { id = T_WHERE; goto plain; }
-      'within'     { id = T_WITHIN; goto plain; }
-      'xor'        { id = T_XOR; goto plain; }
-
       // The whitespace inside is part of the token; the match stops right after "not".
       'is' WS+ 'not' { id = T_ISNOT; goto spaced; }
 
       // The ASCII forms come first only so that their column count is the byte count; any
       // longer match of the general forms still wins.
-      [a-zA-Z_] [a-zA-Z0-9_$]*    { id = T_IDENTIFIER; goto asciiWord; }
+      [a-zA-Z_] [a-zA-Z0-9_$]*    { goto asciiName; }
       [0-9]+                      { id = T_INTEGER_NUMBER; goto asciiWord; }
       IDSTART IDCONT*             { id = T_IDENTIFIER; goto word; }
       "[" IDSTART IDCONT* "]"     { id = T_IDENTIFIER; goto bracketed; }
@@ -210,6 +253,9 @@ bracketed:
   mCursor = cur;
   return true;
 
+asciiName:
+  id = keywordOf(tok, cur);
+  if (id != T_IDENTIFIER) goto plain;
 asciiWord:
   if (mStatus != Status::Good) goto ended;
   token.text = std::string_view(reinterpret_cast<const char*>(tok), static_cast<std::size_t>(cur - tok));

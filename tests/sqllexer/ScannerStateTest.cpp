@@ -167,7 +167,8 @@ TEST(LexemeSize, LongTextsOfShortLexemesScanIntact) {
 TEST(LexemeSize, LexemesAcrossTheWindowsEdgeScanAsAlone) {
   // A text longer than the window is read through it piece by piece; lexemes that straddle a
   // refill, fallbacks included, must come out as they do in a short text.
-  const std::string tail = "1e+5 1e+ 'a' 'b 1.2.3 is \t notable [a b] \xC3\xA9t\xC3\xA9 <=> 'x''y' \"z\"";
+  const std::string tail = "1e+5 1e+ 'a' 'b 1.2.3 is \t notable [a b] \xC3\xA9t\xC3\xA9 <=> 'x''y' \"z\" "
+                           "selection select intersects abc$_9 SELECT\xC3\xA9";
   const auto expected = tokenize(tail);
   for (std::size_t shift = 0; shift < 24; ++shift) {
     std::string text;
