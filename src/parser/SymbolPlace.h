@@ -9,10 +9,13 @@ namespace velmor::sql {
 /// nodes that its value holds: 0 for a token, one more than its deepest part for a symbol whose
 /// rule makes a node (compared with the nesting limit). Copied on every shift and reduction, so
 /// it holds no more: a token's place in the text is asked of the scanner or the RangeRecorder.
+/// Trivial, without member initialisers: the automaton's stack of them in the parse function's
+/// frame is then left as it is rather than zeroed at every parse; every entry is written before
+/// it is read.
 struct SymbolPlace {
-  std::uint32_t first = 0;
-  std::uint32_t last = 0;
-  int depth = 0;
+  std::uint32_t first;
+  std::uint32_t last;
+  int depth;
 };
 
 } // namespace velmor::sql
