@@ -115,7 +115,7 @@ T& at(const ParseSession& session, Slot<T> slot) {
 /// The value behind `slot`, moved out: each value goes to one rule.
 template <class T>
 T take(ParseSession& session, Slot<T> slot) {
-  return std::move(at(session, slot));
+  return session.values->of<T>().take(slot.index);
 }
 
 /// The place of a rule's symbol: from the first token of its first part to the last of its
@@ -214,7 +214,7 @@ inline constexpr Slot<std::vector<E>> emptyList{notStored};
 template <class E>
 std::vector<E> take(ParseSession& session, Slot<std::vector<E>> slot) {
   if (slot.index == notStored) return {};
-  std::vector<E>& list = at(session, slot);
+  std::vector<E> list = session.values->of<std::vector<E>>().take(slot.index);
   std::vector<E> exact(std::make_move_iterator(list.begin()), std::make_move_iterator(list.end()));
   list.clear();
   if (list.capacity() > 0 && list.capacity() <= maxSpareListRoom) {
@@ -293,7 +293,7 @@ inline constexpr Slot<ast::LimitSpecification> noLimit{notStored};
 
 inline ast::LimitSpecification take(ParseSession& session, Slot<ast::LimitSpecification> slot) {
   if (slot.index == notStored) return {};
-  return std::move(at(session, slot));
+  return session.values->of<ast::LimitSpecification>().take(slot.index);
 }
 
 inline ast::LimitSpecification limitOf(std::wstring limit, std::wstring offset) {
