@@ -661,7 +661,14 @@ std::shared_ptr<Type> Catalogue::convert(const std::shared_ptr<Type>& value, Pla
       return std::make_shared<PrecisionScaleType>(to, digits.precision(), digits.scale());
     }
   }
-  return std::make_shared<Type>(to);
+  // A plain type has nothing but its number: one object per number serves every conversion.
+  static const auto* const plain = [] {
+    auto* table = new std::array<std::shared_ptr<Type>, denseTypes>();
+    for (int t = 0; t < denseTypes; ++t) (*table)[static_cast<std::size_t>(t)] = std::make_shared<Type>(static_cast<PlainType>(t));
+    return table;
+  }();
+  const auto t = static_cast<std::uint32_t>(to);
+  return t < denseTypes ? (*plain)[t] : std::make_shared<Type>(to);
 }
 
 int Catalogue::rankOf(PlainType type) const {

@@ -140,17 +140,17 @@ std::shared_ptr<ColumnInfoScope> buildScope(const GlobalTypeContext& global, con
 namespace detail {
 
 std::vector<ColumnInfo> nameResultColumns(std::vector<ColumnInfo> raw) {
-  std::vector<ColumnInfo> columns;
-  columns.reserve(raw.size());
-  // What is taken is exactly what was kept so far. A short select list (nearly all) is searched
-  // in place; a long one through an ordered copy, so that the search stays logarithmic.
+  // Renamed in place: the columns before the one at hand are exactly those kept so far. A short
+  // select list (nearly all) is searched in place; a long one through an ordered copy, so that
+  // the search stays logarithmic.
   constexpr std::size_t kShortList = 16;
   const bool shortList = raw.size() <= kShortList;
   std::set<ColumnInfo> seen;
+  std::size_t kept = 0;
   const auto take = [&](const ColumnInfo& column) {
     if (!shortList) return seen.insert(column).second;
-    for (const ColumnInfo& kept : columns) {
-      if (!(kept < column) && !(column < kept)) return false;
+    for (std::size_t i = 0; i < kept; ++i) {
+      if (!(raw[i] < column) && !(column < raw[i])) return false;
     }
     return true;
   };
@@ -158,17 +158,16 @@ std::vector<ColumnInfo> nameResultColumns(std::vector<ColumnInfo> raw) {
   // once found taken stays taken (the kept list only grows), so the search for the next repeat
   // of the same column starts where the last one stopped: n repeats cost n tries, not n^2 / 2.
   std::map<std::pair<std::wstring, std::wstring>, int> nextSuffix;
-  for (ColumnInfo& column : raw) {
-    if (!take(column)) {
-      // A new name always grows from originalName, never from an alias: x, x1, x2.
-      int& k = nextSuffix.try_emplace({column.originalTable(), column.originalName()}, 1).first->second;
-      do {
-        column = column.rename(column.originalName() + std::to_wstring(k++));
-      } while (!take(column));
-    }
-    columns.push_back(std::move(column));
+  for (; kept < raw.size(); ++kept) {
+    ColumnInfo& column = raw[kept];
+    if (take(column)) continue;
+    // A new name always grows from originalName, never from an alias: x, x1, x2.
+    int& k = nextSuffix.try_emplace({column.originalTable(), column.originalName()}, 1).first->second;
+    do {
+      column = column.rename(column.originalName() + std::to_wstring(k++));
+    } while (!take(column));
   }
-  return columns;
+  return raw;
 }
 
 } // namespace detail

@@ -259,6 +259,72 @@ bool isNullLiteral(const ast::Node& node) {
 // ---------------------------------------------------------------------------------------------
 // Level scopes.
 
+namespace {
+
+// Up to this many columns are searched one by one: a table's index costs more to build than the
+// few searches of a short list save.
+constexpr std::size_t kShortList = 32;
+
+// The position of the first column that answers to `name`, as GenericTableInfo's index finds it
+// (the first column to claim a normalized name keeps it), or npos.
+std::size_t firstNamed(const std::vector<ColumnInfo>& columns, const std::wstring& name) {
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    for (const std::wstring& candidate : columns[i].names()) {
+      if (sameNames(candidate, name)) return i;
+    }
+  }
+  return TableInfo::npos;
+}
+
+// A short list of a query's columns as a table, searched without an index.
+class ListedTable final : public TableInfo {
+public:
+  explicit ListedTable(std::vector<ColumnInfo> columns) : m_columns(std::move(columns)) {}
+  std::size_t columnCount() const override { return m_columns.size(); }
+  ColumnInfo columnByIndex(std::size_t index) const override {
+    return index < m_columns.size() ? m_columns[index] : ColumnInfo();
+  }
+  std::size_t indexByName(const std::wstring& name) const override { return firstNamed(m_columns, name); }
+
+private:
+  std::vector<ColumnInfo> m_columns;
+};
+
+// The columns of a derived table or a bare query in a FROM, as a table.
+std::shared_ptr<TableInfo> tableOf(std::vector<ColumnInfo> columns) {
+  if (columns.size() > kShortList) return std::make_shared<GenericTableInfo>(std::move(columns));
+  return std::make_shared<ListedTable>(std::move(columns));
+}
+
+} // namespace
+
+OutputColumns::OutputColumns(const OutputColumns& other) { *this = other; }
+
+OutputColumns& OutputColumns::operator=(const OutputColumns& other) {
+  if (this == &other) return *this;
+  m_index.reset();
+  if (!other.m_columns) {
+    m_own.clear();
+    m_columns = nullptr;
+    return *this;
+  }
+  m_own = *other.m_columns;
+  m_columns = &m_own;
+  // A copy may be read from any thread: its index is made now, not on a first search.
+  if (m_own.size() > kShortList) m_index = std::make_shared<GenericTableInfo>(m_own);
+  return *this;
+}
+
+ColumnInfo OutputColumns::find(const std::wstring& name) const {
+  if (!m_columns) return {};
+  if (m_columns->size() > kShortList) {
+    if (!m_index) m_index = std::make_shared<GenericTableInfo>(*m_columns);
+    return m_index->columnByName(name);
+  }
+  const std::size_t index = firstNamed(*m_columns, name);
+  return index == TableInfo::npos ? ColumnInfo() : (*m_columns)[index];
+}
+
 bool LevelScope::knowsQualifier(const std::wstring& name) const {
   return (m_local && !m_local->columnsForAsterisk(name).empty()) || failedName(name);
 }
@@ -270,8 +336,8 @@ bool LevelScope::failedName(const std::wstring& name) const {
 
 ColumnInfo LevelScope::columnInfo(const std::wstring& table, const std::wstring& column) const {
   const bool plain = table.empty();
-  if (plain && m_outputUse == Output::First && m_output) {
-    ColumnInfo found = m_output->columnInfo(table, column);
+  if (plain && m_outputUse == Output::First) {
+    ColumnInfo found = m_output.find(column);
     if (!found.isNull()) return found;
   }
   // The nearest level that has the name wins; a qualifier is resolved where it stands first.
@@ -285,8 +351,8 @@ ColumnInfo LevelScope::columnInfo(const std::wstring& table, const std::wstring&
       return {};
     }
   }
-  if (plain && m_outputUse == Output::Last && m_output) {
-    ColumnInfo found = m_output->columnInfo(table, column);
+  if (plain && m_outputUse == Output::Last) {
+    ColumnInfo found = m_output.find(column);
     if (!found.isNull()) return found;
   }
   if (!plain) throw UnknownTableReference(table);
@@ -466,8 +532,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
       level.m_incomplete = true;
       level.m_failed.push_back(normalized(derived.alias));
     }
-    auto scope = std::make_shared<TableInfoScope>(ast::TablePrimary{derived.alias, {}},
-                                                  std::make_shared<GenericTableInfo>(columns.columns));
+    auto scope = std::make_shared<TableInfoScope>(ast::TablePrimary{derived.alias, {}}, tableOf(std::move(columns.columns)));
     level.m_names.push_back({normalized(derived.alias), derived.alias, reference, scope});
     if (mObserver) mObserver->declared(reference, level);
     return scope;
@@ -519,7 +584,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
   // Anything else in a FROM (a bare query) is read as a derived table without a name.
   Columns columns = checkQuery(reference, level.m_parent);
   if (!columns.complete) level.m_incomplete = true;
-  auto scope = std::make_shared<TableInfoScope>(ast::TablePrimary{}, std::make_shared<GenericTableInfo>(columns.columns));
+  auto scope = std::make_shared<TableInfoScope>(ast::TablePrimary{}, tableOf(std::move(columns.columns)));
   level.m_names.push_back({{}, {}, reference, scope});
   return scope;
 }
@@ -595,10 +660,11 @@ StandardAnalysis::Columns StandardAnalysis::checkSpecification(const ast::QueryS
   }
 
   Columns result;
+  result.columns.reserve(query.selectList.size());
   std::int32_t counter = 1;
   for (const ast::Node& item : query.selectList) selectItem(item, level, counter, result);
   result.columns = nameResultColumns(std::move(result.columns));
-  level.m_output = std::make_shared<TableInfoScope>(ast::TablePrimary{}, std::make_shared<GenericTableInfo>(result.columns));
+  level.m_output.borrow(&result.columns);
 
   // WHERE, GROUP BY and HAVING see the output columns behind everything else, ORDER BY before.
   level.m_outputUse = LevelScope::Output::Last;
@@ -750,7 +816,7 @@ void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const
       const auto& reference = *shape.reference;
       try {
         // An output name in ORDER BY is the output column; elsewhere the FROM's column wins.
-        if (inOrderBy && reference.table.empty() && !level.m_output->columnInfo({}, reference.column).isNull()) {
+        if (inOrderBy && reference.table.empty() && !level.m_output.find(reference.column).isNull()) {
           return false;
         }
         if (level.m_local->columnInfo(reference.table, reference.column).isNull()) return false;

@@ -26,6 +26,31 @@ public:
   virtual void found(const SqlError& fault, const ast::Node* node) = 0;
 };
 
+/// A query's output columns as the clauses after its select list see them. A level borrows the
+/// list its query is building; a copy of the level (which outlives the query) owns one.
+class OutputColumns {
+public:
+  OutputColumns() = default;
+  OutputColumns(const OutputColumns& other);
+  OutputColumns& operator=(const OutputColumns& other);
+
+  void borrow(const std::vector<ColumnInfo>* columns) noexcept {
+    m_columns = columns;
+    m_index.reset();
+  }
+  /// Null until the list is known.
+  const std::vector<ColumnInfo>* columns() const noexcept { return m_columns; }
+  /// The first column that answers to `name`, as a table of these columns would find it; the
+  /// null column when none does or the list is not known yet.
+  ColumnInfo find(const std::wstring& name) const;
+
+private:
+  std::vector<ColumnInfo> m_own;
+  const std::vector<ColumnInfo>* m_columns = nullptr;
+  // A long list is searched through a table of its own, made on its first search.
+  mutable std::shared_ptr<GenericTableInfo> m_index;
+};
+
 /// The scope of one query level: the columns of its FROM, then the levels around it, and for
 /// the clauses that may name them, the query's own output columns.
 class LevelScope final : public ColumnInfoScope {
@@ -51,7 +76,7 @@ public:
   bool failedName(const std::wstring& name) const;
 
   std::shared_ptr<ColumnInfoScope> m_local;  ///< the FROM, or null
-  std::shared_ptr<ColumnInfoScope> m_output; ///< the output columns, once known
+  OutputColumns m_output;                    ///< the output columns, once known
   Output m_outputUse = Output::None;
   bool m_incomplete = false;                 ///< a part of the FROM is not known
   std::vector<std::wstring> m_failed;        ///< normalized names of the unknown parts
