@@ -1,6 +1,7 @@
 // The in-memory catalogue: type texts, signature expansion and the library's host interfaces.
 #include <velmor/sql/host/Catalogue.h>
 
+#include "CatalogueTable.h"
 #include "Worded.h"
 
 #include <velmor/sql/host/TypeNames.h>
@@ -307,7 +308,7 @@ void Catalogue::addTable(const std::wstring& name, const std::vector<Column>& co
 
 void Catalogue::addTable(const std::wstring& name, std::vector<ColumnInfo> columns) {
   changed();
-  addTable(name, std::make_shared<GenericTableInfo>(columns));
+  addTable(name, std::make_shared<CatalogueTable>(std::move(columns)));
 }
 
 void Catalogue::addTable(const std::wstring& name, std::shared_ptr<TableInfo> table) {

@@ -150,7 +150,7 @@ std::vector<ColumnInfo> nameResultColumns(std::vector<ColumnInfo> raw) {
   const auto take = [&](const ColumnInfo& column) {
     if (!shortList) return seen.insert(column).second;
     for (std::size_t i = 0; i < kept; ++i) {
-      if (!(raw[i] < column) && !(column < raw[i])) return false;
+      if (sameColumn(raw[i], column)) return false;
     }
     return true;
   };

@@ -172,7 +172,7 @@ private:
       if (sameNames(a.table, b.table) && sameNames(a.column, b.column)) return true;
       const ColumnInfo ca = resolve(a);
       const ColumnInfo cb = resolve(b);
-      return !ca.isNull() && !cb.isNull() && !(ca < cb) && !(cb < ca);
+      return !ca.isNull() && !cb.isNull() && sameColumn(ca, cb);
     }
     if (ast::nodeIs<ast::Number>(x)) {
       return ast::nodeIs<ast::Number>(y) && ast::detail::recordIn<ast::Number>(x).text == ast::detail::recordIn<ast::Number>(y).text;
@@ -761,17 +761,19 @@ void StandardAnalysis::checkAggregates(const ast::Node& condition) {
 void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const LevelScope& level) {
   if (mObserver) return; // faults only
   if (!level.m_local) return;
-  std::vector<ast::Node> checked;
+  // Places in the tree, which outlives the check.
+  std::vector<const ast::Node*> checked;
+  checked.reserve(query.selectList.size() + 1 + query.orderBy.size());
   for (const ast::Node& item : query.selectList) {
-    if (ast::nodeIs<ast::DerivedColumn>(item)) checked.push_back(ast::detail::recordIn<ast::DerivedColumn>(item).expression);
+    if (ast::nodeIs<ast::DerivedColumn>(item)) checked.push_back(&ast::detail::recordIn<ast::DerivedColumn>(item).expression);
   }
-  if (!query.having.isNull()) checked.push_back(query.having);
+  if (!query.having.isNull()) checked.push_back(&query.having);
   const std::size_t orderFrom = checked.size();
-  for (const ast::SortSpecification& sort : query.orderBy) checked.push_back(sort.key);
+  for (const ast::SortSpecification& sort : query.orderBy) checked.push_back(&sort.key);
 
   bool grouped = !query.groupBy.empty();
   for (std::size_t i = 0; i < checked.size() && !grouped; ++i) {
-    walkLevel(checked[i], [&](const ast::Node&, const Shape& shape) {
+    walkLevel(*checked[i], [&](const ast::Node&, const Shape& shape) {
       if (isAggregateCall(shape.function)) grouped = true;
       return !grouped;
     });
@@ -807,7 +809,7 @@ void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const
   const SameExpression same(level);
   for (std::size_t i = 0; i < checked.size(); ++i) {
     const bool inOrderBy = i >= orderFrom;
-    walkLevel(checked[i], [&](const ast::Node& node, const Shape& shape) {
+    walkLevel(*checked[i], [&](const ast::Node& node, const Shape& shape) {
       if (isAggregateCall(shape.function)) return false;
       for (const ast::Node& key : keys) {
         if (same(node, key)) return false;
