@@ -8,11 +8,18 @@
 #include <velmor/sql/types/Type.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 #include <vector>
 
 namespace velmor::sql::detail {
+
+/// How often typing on this thread met a place that may hold an aggregate call: a call of an
+/// aggregate function, a node kind it does not look into, a call standing for a CAST's target.
+/// A walk looking for aggregate calls in clauses that typing went through whole is spared when
+/// this did not move meanwhile.
+std::uint64_t& aggregateMarks() noexcept;
 
 class Resolutions {
 public:

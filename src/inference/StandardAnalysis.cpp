@@ -399,9 +399,17 @@ void StandardAnalysis::part(Part&& run) {
     run();
   } catch (const FaultReported&) {
     // Its fault is in the list already.
+    ++mCuts;
   } catch (const SqlError& error) {
+    ++mCuts;
     mSink->caught(error);
   }
+}
+
+StandardAnalysis::TypingMark StandardAnalysis::typingMark() const noexcept { return {aggregateMarks(), mCuts}; }
+
+bool StandardAnalysis::mayHoldAggregates(const TypingMark& since) const noexcept {
+  return aggregateMarks() != since.aggregates || mCuts != since.cuts;
 }
 
 template <class Fault>
@@ -576,8 +584,9 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
       on.m_failed = level.m_failed;
       if (mObserver) on.m_names.assign(level.m_names.begin() + static_cast<std::ptrdiff_t>(firstName), level.m_names.end());
       const ast::Node& condition = ast::detail::recordIn<ast::JoinCondition>(join.specification).condition;
+      const TypingMark mark = typingMark();
       typeClause(on, condition);
-      checkAggregates(condition);
+      checkAggregates(condition, mark);
     }
     return scope;
   }
@@ -659,6 +668,7 @@ StandardAnalysis::Columns StandardAnalysis::checkSpecification(const ast::QueryS
     }
   }
 
+  const TypingMark beforeItems = typingMark();
   Columns result;
   result.columns.reserve(query.selectList.size());
   std::int32_t counter = 1;
@@ -669,8 +679,9 @@ StandardAnalysis::Columns StandardAnalysis::checkSpecification(const ast::QueryS
   // WHERE, GROUP BY and HAVING see the output columns behind everything else, ORDER BY before.
   level.m_outputUse = LevelScope::Output::Last;
   if (!query.where.isNull()) {
+    const TypingMark mark = typingMark();
     typeClause(level, query.where);
-    checkAggregates(query.where);
+    checkAggregates(query.where, mark);
   }
   for (const ast::ExpressionNode& key : query.groupBy) typeClause(level, key);
   if (!query.having.isNull()) typeClause(level, query.having);
@@ -678,7 +689,7 @@ StandardAnalysis::Columns StandardAnalysis::checkSpecification(const ast::QueryS
   for (const ast::SortSpecification& sort : query.orderBy) typeClause(level, sort.key);
   level.m_outputUse = LevelScope::Output::None;
 
-  checkGrouping(query, level);
+  checkGrouping(query, level, beforeItems);
   return result;
 }
 
@@ -749,8 +760,9 @@ StandardAnalysis::Columns StandardAnalysis::checkExplicitTable(const ast::Explic
 // ---------------------------------------------------------------------------------------------
 // Aggregates and grouping.
 
-void StandardAnalysis::checkAggregates(const ast::Node& condition) {
+void StandardAnalysis::checkAggregates(const ast::Node& condition, const TypingMark& since) {
   if (mObserver) return; // faults only
+  if (!mayHoldAggregates(since)) return;
   walkLevel(condition, [&](const ast::Node& node, const Shape& shape) {
     if (!isAggregateCall(shape.function)) return true;
     fault(AggregateInWhereClause(), &node);
@@ -758,9 +770,12 @@ void StandardAnalysis::checkAggregates(const ast::Node& condition) {
   });
 }
 
-void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const LevelScope& level) {
+void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const LevelScope& level,
+                                     const TypingMark& since) {
   if (mObserver) return; // faults only
   if (!level.m_local) return;
+  // Without GROUP BY, only an aggregate call makes the level grouped.
+  if (query.groupBy.empty() && !mayHoldAggregates(since)) return;
   // Places in the tree, which outlives the check.
   std::vector<const ast::Node*> checked;
   checked.reserve(query.selectList.size() + 1 + query.orderBy.size());
@@ -873,8 +888,9 @@ void StandardAnalysis::checkUpdate(const ast::UpdateStatement& update, const ast
   level.m_local = std::make_shared<TableInfoScope>(ast::TablePrimary{update.table, {}}, info);
   level.m_names.push_back({normalized(update.table), update.table, node, level.m_local});
   if (!update.where.isNull()) {
+    const TypingMark mark = typingMark();
     typeClause(level, update.where);
-    checkAggregates(update.where);
+    checkAggregates(update.where, mark);
   }
   for (const ast::SetClause& clause : update.clauses) {
     const ColumnInfo column = level.m_local->columnInfo({}, clause.column);
@@ -957,8 +973,9 @@ void StandardAnalysis::checkDelete(const ast::DeleteStatement& statement, const 
   level.m_local = std::make_shared<TableInfoScope>(ast::TablePrimary{statement.table, {}}, std::move(info));
   level.m_names.push_back({normalized(statement.table), statement.table, node, level.m_local});
   if (!statement.where.isNull()) {
+    const TypingMark mark = typingMark();
     typeClause(level, statement.where);
-    checkAggregates(statement.where);
+    checkAggregates(statement.where, mark);
   }
 }
 

@@ -9,6 +9,7 @@
 #include <velmor/sql/types/Routine.h>
 #include <velmor/sql/types/Table.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -139,8 +140,17 @@ private:
 
   std::shared_ptr<ColumnInfoScope> fromReference(const ast::Node& reference, LevelScope& level);
   void selectItem(const ast::Node& item, LevelScope& level, std::int32_t& counter, Columns& result);
-  void checkGrouping(const ast::QuerySpecification& query, const LevelScope& level);
-  void checkAggregates(const ast::Node& condition);
+  /// Where typing stood: a clause typed whole since then holds an aggregate call only if the
+  /// marks moved (see aggregateMarks).
+  struct TypingMark {
+    std::uint64_t aggregates;
+    std::uint64_t cuts;
+  };
+  TypingMark typingMark() const noexcept;
+  bool mayHoldAggregates(const TypingMark& since) const noexcept;
+
+  void checkGrouping(const ast::QuerySpecification& query, const LevelScope& level, const TypingMark& since);
+  void checkAggregates(const ast::Node& condition, const TypingMark& since);
   void checkAssignment(const std::shared_ptr<Type>& target, const std::shared_ptr<Type>& source,
                        const ast::Node& value, const std::wstring& table, const std::wstring& column, bool insert);
 
@@ -163,6 +173,8 @@ private:
   const TableInfoContext& mTables;
   FaultSink* mSink;
   AnalysisObserver* mObserver = nullptr;
+  // Parts that a fault ended before they were typed whole.
+  std::uint64_t mCuts = 0;
 };
 
 } // namespace velmor::sql::detail
