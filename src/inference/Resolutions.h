@@ -15,11 +15,16 @@
 
 namespace velmor::sql::detail {
 
-/// How often typing on this thread met a place that may hold an aggregate call: a call of an
-/// aggregate function, a node kind it does not look into, a call standing for a CAST's target.
-/// A walk looking for aggregate calls in clauses that typing went through whole is spared when
-/// this did not move meanwhile.
-std::uint64_t& aggregateMarks() noexcept;
+/// What typing on this thread met so far, for the walks that look for one kind of node: a walk
+/// over clauses that typing went through whole is spared when its count did not move meanwhile.
+struct TypingMarks {
+  /// Places that may hold an aggregate call: a call of an aggregate function, a node kind that
+  /// typing does not look into, a CAST's target (a type name, read as a call).
+  std::uint64_t aggregates = 0;
+  /// Places that may hold a CAST: a CAST, a node kind that typing does not look into.
+  std::uint64_t casts = 0;
+};
+TypingMarks& typingMarks() noexcept;
 
 class Resolutions {
 public:

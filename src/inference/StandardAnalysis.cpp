@@ -406,10 +406,12 @@ void StandardAnalysis::part(Part&& run) {
   }
 }
 
-StandardAnalysis::TypingMark StandardAnalysis::typingMark() const noexcept { return {aggregateMarks(), mCuts}; }
+StandardAnalysis::TypingMark StandardAnalysis::typingMark() const noexcept {
+  return {typingMarks().aggregates, mCuts};
+}
 
 bool StandardAnalysis::mayHoldAggregates(const TypingMark& since) const noexcept {
-  return aggregateMarks() != since.aggregates || mCuts != since.cuts;
+  return typingMarks().aggregates != since.aggregates || mCuts != since.cuts;
 }
 
 template <class Fault>

@@ -127,6 +127,8 @@ public:
 
   /// Borrowed; null for none.
   void setObserver(AnalysisObserver* observer) noexcept { mObserver = observer; }
+  /// Parts that a fault ended before they were typed whole, so far.
+  std::uint64_t cuts() const noexcept { return mCuts; }
 
 private:
   Columns checkQueryHere(const ast::Node& query, const LevelScope* outer);
@@ -141,7 +143,7 @@ private:
   std::shared_ptr<ColumnInfoScope> fromReference(const ast::Node& reference, LevelScope& level);
   void selectItem(const ast::Node& item, LevelScope& level, std::int32_t& counter, Columns& result);
   /// Where typing stood: a clause typed whole since then holds an aggregate call only if the
-  /// marks moved (see aggregateMarks).
+  /// marks moved (see TypingMarks).
   struct TypingMark {
     std::uint64_t aggregates;
     std::uint64_t cuts;

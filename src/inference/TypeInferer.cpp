@@ -227,8 +227,8 @@ Resolutions* lastingFor(const GlobalTypeContext& global, std::uint64_t revision)
 
 Resolutions* currentResolutions() noexcept { return tResolutions; }
 
-std::uint64_t& aggregateMarks() noexcept {
-  thread_local std::uint64_t marks = 0;
+TypingMarks& typingMarks() noexcept {
+  thread_local TypingMarks marks;
   return marks;
 }
 
@@ -322,7 +322,10 @@ void TypeInferer::visit(const ast::String& record) { mResult = stringType(record
 void TypeInferer::visit(const ast::TernaryLogicNode&) { mResult = sharedPlain(PlainType::Boolean); }
 
 void TypeInferer::faultAction() {
-  ++detail::aggregateMarks(); // a kind typing does not look into
+  // A kind typing does not look into.
+  detail::TypingMarks& marks = detail::typingMarks();
+  ++marks.aggregates;
+  ++marks.casts;
   // Types are immutable, so one Fault object serves every inferer.
   static const std::shared_ptr<Type> fault = std::make_shared<Type>(PlainType::Fault);
   mFaultType = fault;
@@ -382,7 +385,7 @@ void TypeInferer::inferTypesInto(const std::vector<ast::ExpressionNode>& nodes,
 std::shared_ptr<Type> TypeInferer::functionType(const ast::Function& function) {
   const std::shared_ptr<FunctionInfo> info = mGlobalContext.function(function.name);
   if (!info) throw UnknownFunction(function.name);
-  if (info->kind() == FunctionKind::Aggregate) ++detail::aggregateMarks();
+  if (info->kind() == FunctionKind::Aggregate) ++detail::typingMarks().aggregates;
   TypeList types;
   inferTypesInto(function.arguments, *types);
   const std::shared_ptr<OverloadInfo> overload = findOverload(function, info, *types);
@@ -418,7 +421,9 @@ void TypeInferer::operationTypesInto(const ast::Operation& operation, std::vecto
   TypeInferer value = part();
   value.doVisit(operation.operands.front());
   types.push_back(std::move(value).result());
-  ++detail::aggregateMarks(); // a type name, which typing does not look into
+  detail::TypingMarks& marks = detail::typingMarks();
+  ++marks.casts;
+  ++marks.aggregates; // the target is a type name, which typing does not look into
   StringTypeInferer target;
   target.doVisit(operation.operands.back());
   types.push_back(std::move(target).result());
@@ -750,7 +755,9 @@ void TypeInferer::standardOperationTypes(const ast::Operation& operation, std::v
     try {
       if (cast && i == 1) {
         // The target of a CAST is a type name that the grammar read as an expression.
-        ++detail::aggregateMarks(); // a type name, which typing does not look into
+        detail::TypingMarks& marks = detail::typingMarks();
+        ++marks.casts;
+        ++marks.aggregates; // the target is a type name, which typing does not look into
         StringTypeInferer target;
         target.doVisit(operand);
         types.push_back(std::move(target).result());
