@@ -19,15 +19,11 @@ bool Node::isNull() const { return !mImpl || mImpl->isNull(); }
 
 bool Node::isExpression() const { return mImpl && mImpl->isExpression(); }
 
-void Node::accept(NodeVisitor& visitor) const {
-  if (!mImpl) throw NullNodeException();
-  // Every walk of a tree recurses through here, once per level: a deep tree goes on on a fresh
-  // stack segment rather than overrunning a small thread stack.
-  NodeInterface& impl = *mImpl;
-  if (!sql::detail::walkNeedsCare()) [[likely]] {
-    impl.accept(visitor);
-    return;
-  }
+namespace {
+
+// A walk whose stack runs low or whose faults are watched. Apart from the common path, so
+// that a plain level of a walk costs a test and a jump.
+[[gnu::noinline]] void acceptWithCare(NodeInterface& impl, NodeVisitor& visitor) {
   sql::detail::WalkWatch* const watch = sql::detail::walkWatch();
   if (!watch) {
     sql::detail::withStack([&] { impl.accept(visitor); });
@@ -48,6 +44,19 @@ void Node::accept(NodeVisitor& visitor) const {
     throw;
   }
   watch->current = outer;
+}
+
+} // namespace
+
+void Node::accept(NodeVisitor& visitor) const {
+  if (!mImpl) throw NullNodeException();
+  // Every walk of a tree recurses through here, once per level: a deep tree goes on on a fresh
+  // stack segment rather than overrunning a small thread stack.
+  if (!sql::detail::walkNeedsCare()) [[likely]] {
+    mImpl->accept(visitor);
+    return;
+  }
+  acceptWithCare(*mImpl, visitor);
 }
 
 void Node::check() const { VELMOR_SQL_ASSERT(mImpl, "AST"); }

@@ -1,6 +1,7 @@
 // The in-memory catalogue: type texts, signature expansion and the library's host interfaces.
 #include <velmor/sql/host/Catalogue.h>
 
+#include "CatalogueTable.h"
 #include "Worded.h"
 
 #include <velmor/sql/host/TypeNames.h>
@@ -8,6 +9,8 @@
 #include <velmor/sql/types/Strings.h>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <cctype>
 #include <functional>
 #include <sstream>
@@ -307,7 +310,7 @@ void Catalogue::addTable(const std::wstring& name, const std::vector<Column>& co
 
 void Catalogue::addTable(const std::wstring& name, std::vector<ColumnInfo> columns) {
   changed();
-  addTable(name, std::make_shared<GenericTableInfo>(columns));
+  addTable(name, std::make_shared<CatalogueTable>(std::move(columns)));
 }
 
 void Catalogue::addTable(const std::wstring& name, std::shared_ptr<TableInfo> table) {
@@ -648,20 +651,81 @@ bool Catalogue::canConvert(PlainType from, PlainType to) const {
   return m_conversions.count({from, to}) != 0;
 }
 
+namespace {
+
+// Types are immutable, and a check converts the same few types over and over: each converted
+// type is made once, on first use, and shared from then on. Never released, so that a check
+// running while the process ends still finds them.
+template <std::size_t Size>
+class SharedTypes {
+public:
+  template <class Make>
+  std::shared_ptr<Type> get(std::size_t slot, Make&& make) {
+    const std::shared_ptr<Type>* kept = m_slots[slot].load(std::memory_order_acquire);
+    if (kept) return *kept;
+    auto* fresh = new std::shared_ptr<Type>(make());
+    if (m_slots[slot].compare_exchange_strong(kept, fresh, std::memory_order_acq_rel)) return *fresh;
+    delete fresh; // another thread was first
+    return *kept;
+  }
+
+private:
+  std::array<std::atomic<const std::shared_ptr<Type>*>, Size> m_slots{};
+};
+
+constexpr int kSharedLength = 256;
+constexpr int kSharedDigits = 40;
+
+int lengthKind(PlainType type) {
+  switch (type) {
+  case PlainType::Binary: return 0;
+  case PlainType::VarBinary: return 1;
+  case PlainType::BinaryLargeObject: return 2;
+  case PlainType::Char: return 3;
+  case PlainType::VarChar: return 4;
+  default: return 5; // CharLargeObject
+  }
+}
+
+std::shared_ptr<Type> lengthType(PlainType to, int length) {
+  static auto* const shared = new SharedTypes<6 * kSharedLength>();
+  if (length < 0 || length >= kSharedLength) return std::make_shared<LengthType>(to, length);
+  const auto slot = static_cast<std::size_t>(lengthKind(to) * kSharedLength + length);
+  return shared->get(slot, [&] { return std::make_shared<LengthType>(to, length); });
+}
+
+std::shared_ptr<Type> digitsType(PlainType to, int precision, int scale) {
+  static auto* const shared = new SharedTypes<2 * kSharedDigits * kSharedDigits>();
+  if (precision < 0 || precision >= kSharedDigits || scale < 0 || scale >= kSharedDigits) {
+    return std::make_shared<PrecisionScaleType>(to, precision, scale);
+  }
+  const auto slot = static_cast<std::size_t>(((to == PlainType::Numeric ? 1 : 0) * kSharedDigits + precision) * kSharedDigits + scale);
+  return shared->get(slot, [&] { return std::make_shared<PrecisionScaleType>(to, precision, scale); });
+}
+
+} // namespace
+
 std::shared_ptr<Type> Catalogue::convert(const std::shared_ptr<Type>& value, PlainType to) const {
   if (to == PlainType::Contextual) return value;
   if (carriesLength(to)) {
-    if (const auto* sized = dynamic_cast<const LengthType*>(value.get())) return std::make_shared<LengthType>(to, sized->length());
+    if (const auto* sized = dynamic_cast<const LengthType*>(value.get())) return lengthType(to, sized->length());
   }
   if (value && (to == PlainType::Decimal || to == PlainType::Numeric)) {
     const PlainType from = value->plainType();
     if (dynamic_cast<const PrecisionScaleType*>(value.get()) || from == PlainType::SmallInt ||
         from == PlainType::Integer || from == PlainType::BigInt) {
       const auto digits = digitsOf(value);
-      return std::make_shared<PrecisionScaleType>(to, digits.precision(), digits.scale());
+      return digitsType(to, digits.precision(), digits.scale());
     }
   }
-  return std::make_shared<Type>(to);
+  // A plain type has nothing but its number: one object per number serves every conversion.
+  static const auto* const plain = [] {
+    auto* table = new std::array<std::shared_ptr<Type>, denseTypes>();
+    for (int t = 0; t < denseTypes; ++t) (*table)[static_cast<std::size_t>(t)] = std::make_shared<Type>(static_cast<PlainType>(t));
+    return table;
+  }();
+  const auto t = static_cast<std::uint32_t>(to);
+  return t < denseTypes ? (*plain)[t] : std::make_shared<Type>(to);
 }
 
 int Catalogue::rankOf(PlainType type) const {

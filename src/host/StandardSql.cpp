@@ -25,13 +25,13 @@ private:
   // The widest of the THEN values and the ELSE value, by the catalogue's ranking.
   static FullTypeFunction resultOf(const Catalogue& catalogue) {
     return [&catalogue](const std::vector<std::shared_ptr<Type>>& types) -> std::shared_ptr<Type> {
-      std::vector<std::shared_ptr<Type>> results;
-      for (std::size_t i = 2; i < types.size(); i += 2) results.push_back(types[i]);
-      if (types.size() % 2 == 0) results.push_back(types.back());
+      // The THEN values stand at 2, 4, ...; an even count ends with the ELSE value.
       std::shared_ptr<Type> best;
-      for (const auto& type : results) {
+      const auto weigh = [&](const std::shared_ptr<Type>& type) {
         if (type && (!best || catalogue.compareTypes(type->plainType(), best->plainType()) > 0)) best = type;
-      }
+      };
+      for (std::size_t i = 2; i < types.size(); i += 2) weigh(types[i]);
+      if (types.size() % 2 == 0 && !types.empty()) weigh(types.back());
       return best;
     };
   }

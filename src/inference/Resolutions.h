@@ -8,11 +8,23 @@
 #include <velmor/sql/types/Type.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 #include <vector>
 
 namespace velmor::sql::detail {
+
+/// What typing on this thread met so far, for the walks that look for one kind of node: a walk
+/// over clauses that typing went through whole is spared when its count did not move meanwhile.
+struct TypingMarks {
+  /// Places that may hold an aggregate call: a call of an aggregate function, a node kind that
+  /// typing does not look into, a CAST's target (a type name, read as a call).
+  std::uint64_t aggregates = 0;
+  /// Places that may hold a CAST: a CAST, a node kind that typing does not look into.
+  std::uint64_t casts = 0;
+};
+TypingMarks& typingMarks() noexcept;
 
 class Resolutions {
 public:

@@ -7,6 +7,12 @@
 
 namespace velmor::sql::detail {
 
+/// Neither column orders before the other: the same original table and the same names. Copies
+/// of one column share their names, which settles most comparisons at once.
+inline bool sameColumn(const ColumnInfo& a, const ColumnInfo& b) {
+  return &a.names() == &b.names() || (a.originalTable() == b.originalTable() && a.names() == b.names());
+}
+
 /// The columns of a select list in order, each repeat of an equal column renamed from its
 /// original name with the next free number (x, x1, x2).
 std::vector<ColumnInfo> nameResultColumns(std::vector<ColumnInfo> raw);

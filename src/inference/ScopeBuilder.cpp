@@ -13,6 +13,8 @@
 #include <cstdint>
 #include <map>
 #include <set>
+#include <string_view>
+#include <unordered_map>
 #include <string>
 #include <utility>
 
@@ -140,25 +142,37 @@ std::shared_ptr<ColumnInfoScope> buildScope(const GlobalTypeContext& global, con
 namespace detail {
 
 std::vector<ColumnInfo> nameResultColumns(std::vector<ColumnInfo> raw) {
-  std::vector<ColumnInfo> columns;
-  columns.reserve(raw.size());
-  // What is taken is exactly what was kept so far. A short select list (nearly all) is searched
-  // in place; a long one through an ordered copy, so that the search stays logarithmic.
+  // Renamed in place: the columns before the one at hand are exactly those kept so far. A short
+  // select list (nearly all) is searched in place; a long one by first name, as equal columns
+  // have equal names: only columns of one first name are compared.
   constexpr std::size_t kShortList = 16;
   const bool shortList = raw.size() <= kShortList;
-  std::set<ColumnInfo> seen;
+  std::unordered_map<std::wstring_view, std::vector<std::size_t>> byName;
+  std::size_t kept = 0;
   const auto take = [&](const ColumnInfo& column) {
-    if (!shortList) return seen.insert(column).second;
-    for (const ColumnInfo& kept : columns) {
-      if (!(kept < column) && !(column < kept)) return false;
+    if (shortList) {
+      for (std::size_t i = 0; i < kept; ++i) {
+        if (sameColumn(raw[i], column)) return false;
+      }
+      return true;
+    }
+    const auto found = byName.find(column.canonicalName());
+    if (found == byName.end()) return true;
+    for (const std::size_t i : found->second) {
+      if (sameColumn(raw[i], column)) return false;
     }
     return true;
+  };
+  // A long list notes each column it keeps; the view lives in the column's own data.
+  const auto keep = [&](std::size_t index) {
+    if (!shortList) byName[raw[index].canonicalName()].push_back(index);
   };
   // The renamed candidates of a column depend only on its original table and name. A suffix
   // once found taken stays taken (the kept list only grows), so the search for the next repeat
   // of the same column starts where the last one stopped: n repeats cost n tries, not n^2 / 2.
   std::map<std::pair<std::wstring, std::wstring>, int> nextSuffix;
-  for (ColumnInfo& column : raw) {
+  for (; kept < raw.size(); ++kept) {
+    ColumnInfo& column = raw[kept];
     if (!take(column)) {
       // A new name always grows from originalName, never from an alias: x, x1, x2.
       int& k = nextSuffix.try_emplace({column.originalTable(), column.originalName()}, 1).first->second;
@@ -166,9 +180,9 @@ std::vector<ColumnInfo> nameResultColumns(std::vector<ColumnInfo> raw) {
         column = column.rename(column.originalName() + std::to_wstring(k++));
       } while (!take(column));
     }
-    columns.push_back(std::move(column));
+    keep(kept);
   }
-  return columns;
+  return raw;
 }
 
 } // namespace detail

@@ -95,11 +95,8 @@ private:
     for (const LevelScope* l = &level; l != nullptr; l = l->m_parent) {
       ScopeLevel copy;
       for (const LevelScope::Declared& name : l->m_names) copy.names.push_back({name.written, name.node, name.scope});
-      if (l == &level && l->m_outputUse != LevelScope::Output::None && l->m_output) {
-        if (const auto* table = dynamic_cast<const TableInfoScope*>(l->m_output.get())) {
-          const std::size_t count = table->tableInfo()->columnCount();
-          for (std::size_t i = 0; i < count; ++i) copy.output.push_back(table->tableInfo()->columnByIndex(i));
-        }
+      if (l == &level && l->m_outputUse != LevelScope::Output::None && l->m_output.columns()) {
+        copy.output = *l->m_output.columns();
         copy.outputFirst = l->m_outputUse == LevelScope::Output::First;
       }
       at.levels.push_back(std::move(copy));

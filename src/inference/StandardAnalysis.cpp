@@ -172,7 +172,7 @@ private:
       if (sameNames(a.table, b.table) && sameNames(a.column, b.column)) return true;
       const ColumnInfo ca = resolve(a);
       const ColumnInfo cb = resolve(b);
-      return !ca.isNull() && !cb.isNull() && !(ca < cb) && !(cb < ca);
+      return !ca.isNull() && !cb.isNull() && sameColumn(ca, cb);
     }
     if (ast::nodeIs<ast::Number>(x)) {
       return ast::nodeIs<ast::Number>(y) && ast::detail::recordIn<ast::Number>(x).text == ast::detail::recordIn<ast::Number>(y).text;
@@ -259,6 +259,72 @@ bool isNullLiteral(const ast::Node& node) {
 // ---------------------------------------------------------------------------------------------
 // Level scopes.
 
+namespace {
+
+// Up to this many columns are searched one by one: a table's index costs more to build than the
+// few searches of a short list save.
+constexpr std::size_t kShortList = 32;
+
+// The position of the first column that answers to `name`, as GenericTableInfo's index finds it
+// (the first column to claim a normalized name keeps it), or npos.
+std::size_t firstNamed(const std::vector<ColumnInfo>& columns, const std::wstring& name) {
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    for (const std::wstring& candidate : columns[i].names()) {
+      if (sameNames(candidate, name)) return i;
+    }
+  }
+  return TableInfo::npos;
+}
+
+// A short list of a query's columns as a table, searched without an index.
+class ListedTable final : public TableInfo {
+public:
+  explicit ListedTable(std::vector<ColumnInfo> columns) : m_columns(std::move(columns)) {}
+  std::size_t columnCount() const override { return m_columns.size(); }
+  ColumnInfo columnByIndex(std::size_t index) const override {
+    return index < m_columns.size() ? m_columns[index] : ColumnInfo();
+  }
+  std::size_t indexByName(const std::wstring& name) const override { return firstNamed(m_columns, name); }
+
+private:
+  std::vector<ColumnInfo> m_columns;
+};
+
+// The columns of a derived table or a bare query in a FROM, as a table.
+std::shared_ptr<TableInfo> tableOf(std::vector<ColumnInfo> columns) {
+  if (columns.size() > kShortList) return std::make_shared<GenericTableInfo>(std::move(columns));
+  return std::make_shared<ListedTable>(std::move(columns));
+}
+
+} // namespace
+
+OutputColumns::OutputColumns(const OutputColumns& other) { *this = other; }
+
+OutputColumns& OutputColumns::operator=(const OutputColumns& other) {
+  if (this == &other) return *this;
+  m_index.reset();
+  if (!other.m_columns) {
+    m_own.clear();
+    m_columns = nullptr;
+    return *this;
+  }
+  m_own = *other.m_columns;
+  m_columns = &m_own;
+  // A copy may be read from any thread: its index is made now, not on a first search.
+  if (m_own.size() > kShortList) m_index = std::make_shared<GenericTableInfo>(m_own);
+  return *this;
+}
+
+ColumnInfo OutputColumns::find(const std::wstring& name) const {
+  if (!m_columns) return {};
+  if (m_columns->size() > kShortList) {
+    if (!m_index) m_index = std::make_shared<GenericTableInfo>(*m_columns);
+    return m_index->columnByName(name);
+  }
+  const std::size_t index = firstNamed(*m_columns, name);
+  return index == TableInfo::npos ? ColumnInfo() : (*m_columns)[index];
+}
+
 bool LevelScope::knowsQualifier(const std::wstring& name) const {
   return (m_local && !m_local->columnsForAsterisk(name).empty()) || failedName(name);
 }
@@ -270,8 +336,8 @@ bool LevelScope::failedName(const std::wstring& name) const {
 
 ColumnInfo LevelScope::columnInfo(const std::wstring& table, const std::wstring& column) const {
   const bool plain = table.empty();
-  if (plain && m_outputUse == Output::First && m_output) {
-    ColumnInfo found = m_output->columnInfo(table, column);
+  if (plain && m_outputUse == Output::First) {
+    ColumnInfo found = m_output.find(column);
     if (!found.isNull()) return found;
   }
   // The nearest level that has the name wins; a qualifier is resolved where it stands first.
@@ -285,8 +351,8 @@ ColumnInfo LevelScope::columnInfo(const std::wstring& table, const std::wstring&
       return {};
     }
   }
-  if (plain && m_outputUse == Output::Last && m_output) {
-    ColumnInfo found = m_output->columnInfo(table, column);
+  if (plain && m_outputUse == Output::Last) {
+    ColumnInfo found = m_output.find(column);
     if (!found.isNull()) return found;
   }
   if (!plain) throw UnknownTableReference(table);
@@ -333,9 +399,19 @@ void StandardAnalysis::part(Part&& run) {
     run();
   } catch (const FaultReported&) {
     // Its fault is in the list already.
+    ++mCuts;
   } catch (const SqlError& error) {
+    ++mCuts;
     mSink->caught(error);
   }
+}
+
+StandardAnalysis::TypingMark StandardAnalysis::typingMark() const noexcept {
+  return {typingMarks().aggregates, mCuts};
+}
+
+bool StandardAnalysis::mayHoldAggregates(const TypingMark& since) const noexcept {
+  return typingMarks().aggregates != since.aggregates || mCuts != since.cuts;
 }
 
 template <class Fault>
@@ -466,8 +542,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
       level.m_incomplete = true;
       level.m_failed.push_back(normalized(derived.alias));
     }
-    auto scope = std::make_shared<TableInfoScope>(ast::TablePrimary{derived.alias, {}},
-                                                  std::make_shared<GenericTableInfo>(columns.columns));
+    auto scope = std::make_shared<TableInfoScope>(ast::TablePrimary{derived.alias, {}}, tableOf(std::move(columns.columns)));
     level.m_names.push_back({normalized(derived.alias), derived.alias, reference, scope});
     if (mObserver) mObserver->declared(reference, level);
     return scope;
@@ -511,15 +586,16 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
       on.m_failed = level.m_failed;
       if (mObserver) on.m_names.assign(level.m_names.begin() + static_cast<std::ptrdiff_t>(firstName), level.m_names.end());
       const ast::Node& condition = ast::detail::recordIn<ast::JoinCondition>(join.specification).condition;
+      const TypingMark mark = typingMark();
       typeClause(on, condition);
-      checkAggregates(condition);
+      checkAggregates(condition, mark);
     }
     return scope;
   }
   // Anything else in a FROM (a bare query) is read as a derived table without a name.
   Columns columns = checkQuery(reference, level.m_parent);
   if (!columns.complete) level.m_incomplete = true;
-  auto scope = std::make_shared<TableInfoScope>(ast::TablePrimary{}, std::make_shared<GenericTableInfo>(columns.columns));
+  auto scope = std::make_shared<TableInfoScope>(ast::TablePrimary{}, tableOf(std::move(columns.columns)));
   level.m_names.push_back({{}, {}, reference, scope});
   return scope;
 }
@@ -594,17 +670,20 @@ StandardAnalysis::Columns StandardAnalysis::checkSpecification(const ast::QueryS
     }
   }
 
+  const TypingMark beforeItems = typingMark();
   Columns result;
+  result.columns.reserve(query.selectList.size());
   std::int32_t counter = 1;
   for (const ast::Node& item : query.selectList) selectItem(item, level, counter, result);
   result.columns = nameResultColumns(std::move(result.columns));
-  level.m_output = std::make_shared<TableInfoScope>(ast::TablePrimary{}, std::make_shared<GenericTableInfo>(result.columns));
+  level.m_output.borrow(&result.columns);
 
   // WHERE, GROUP BY and HAVING see the output columns behind everything else, ORDER BY before.
   level.m_outputUse = LevelScope::Output::Last;
   if (!query.where.isNull()) {
+    const TypingMark mark = typingMark();
     typeClause(level, query.where);
-    checkAggregates(query.where);
+    checkAggregates(query.where, mark);
   }
   for (const ast::ExpressionNode& key : query.groupBy) typeClause(level, key);
   if (!query.having.isNull()) typeClause(level, query.having);
@@ -612,7 +691,7 @@ StandardAnalysis::Columns StandardAnalysis::checkSpecification(const ast::QueryS
   for (const ast::SortSpecification& sort : query.orderBy) typeClause(level, sort.key);
   level.m_outputUse = LevelScope::Output::None;
 
-  checkGrouping(query, level);
+  checkGrouping(query, level, beforeItems);
   return result;
 }
 
@@ -683,8 +762,9 @@ StandardAnalysis::Columns StandardAnalysis::checkExplicitTable(const ast::Explic
 // ---------------------------------------------------------------------------------------------
 // Aggregates and grouping.
 
-void StandardAnalysis::checkAggregates(const ast::Node& condition) {
+void StandardAnalysis::checkAggregates(const ast::Node& condition, const TypingMark& since) {
   if (mObserver) return; // faults only
+  if (!mayHoldAggregates(since)) return;
   walkLevel(condition, [&](const ast::Node& node, const Shape& shape) {
     if (!isAggregateCall(shape.function)) return true;
     fault(AggregateInWhereClause(), &node);
@@ -692,20 +772,25 @@ void StandardAnalysis::checkAggregates(const ast::Node& condition) {
   });
 }
 
-void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const LevelScope& level) {
+void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const LevelScope& level,
+                                     const TypingMark& since) {
   if (mObserver) return; // faults only
   if (!level.m_local) return;
-  std::vector<ast::Node> checked;
+  // Without GROUP BY, only an aggregate call makes the level grouped.
+  if (query.groupBy.empty() && !mayHoldAggregates(since)) return;
+  // Places in the tree, which outlives the check.
+  std::vector<const ast::Node*> checked;
+  checked.reserve(query.selectList.size() + 1 + query.orderBy.size());
   for (const ast::Node& item : query.selectList) {
-    if (ast::nodeIs<ast::DerivedColumn>(item)) checked.push_back(ast::detail::recordIn<ast::DerivedColumn>(item).expression);
+    if (ast::nodeIs<ast::DerivedColumn>(item)) checked.push_back(&ast::detail::recordIn<ast::DerivedColumn>(item).expression);
   }
-  if (!query.having.isNull()) checked.push_back(query.having);
+  if (!query.having.isNull()) checked.push_back(&query.having);
   const std::size_t orderFrom = checked.size();
-  for (const ast::SortSpecification& sort : query.orderBy) checked.push_back(sort.key);
+  for (const ast::SortSpecification& sort : query.orderBy) checked.push_back(&sort.key);
 
   bool grouped = !query.groupBy.empty();
   for (std::size_t i = 0; i < checked.size() && !grouped; ++i) {
-    walkLevel(checked[i], [&](const ast::Node&, const Shape& shape) {
+    walkLevel(*checked[i], [&](const ast::Node&, const Shape& shape) {
       if (isAggregateCall(shape.function)) grouped = true;
       return !grouped;
     });
@@ -741,7 +826,7 @@ void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const
   const SameExpression same(level);
   for (std::size_t i = 0; i < checked.size(); ++i) {
     const bool inOrderBy = i >= orderFrom;
-    walkLevel(checked[i], [&](const ast::Node& node, const Shape& shape) {
+    walkLevel(*checked[i], [&](const ast::Node& node, const Shape& shape) {
       if (isAggregateCall(shape.function)) return false;
       for (const ast::Node& key : keys) {
         if (same(node, key)) return false;
@@ -750,7 +835,7 @@ void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const
       const auto& reference = *shape.reference;
       try {
         // An output name in ORDER BY is the output column; elsewhere the FROM's column wins.
-        if (inOrderBy && reference.table.empty() && !level.m_output->columnInfo({}, reference.column).isNull()) {
+        if (inOrderBy && reference.table.empty() && !level.m_output.find(reference.column).isNull()) {
           return false;
         }
         if (level.m_local->columnInfo(reference.table, reference.column).isNull()) return false;
@@ -805,8 +890,9 @@ void StandardAnalysis::checkUpdate(const ast::UpdateStatement& update, const ast
   level.m_local = std::make_shared<TableInfoScope>(ast::TablePrimary{update.table, {}}, info);
   level.m_names.push_back({normalized(update.table), update.table, node, level.m_local});
   if (!update.where.isNull()) {
+    const TypingMark mark = typingMark();
     typeClause(level, update.where);
-    checkAggregates(update.where);
+    checkAggregates(update.where, mark);
   }
   for (const ast::SetClause& clause : update.clauses) {
     const ColumnInfo column = level.m_local->columnInfo({}, clause.column);
@@ -889,8 +975,9 @@ void StandardAnalysis::checkDelete(const ast::DeleteStatement& statement, const 
   level.m_local = std::make_shared<TableInfoScope>(ast::TablePrimary{statement.table, {}}, std::move(info));
   level.m_names.push_back({normalized(statement.table), statement.table, node, level.m_local});
   if (!statement.where.isNull()) {
+    const TypingMark mark = typingMark();
     typeClause(level, statement.where);
-    checkAggregates(statement.where);
+    checkAggregates(statement.where, mark);
   }
 }
 

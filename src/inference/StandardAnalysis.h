@@ -9,6 +9,7 @@
 #include <velmor/sql/types/Routine.h>
 #include <velmor/sql/types/Table.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,6 +25,31 @@ public:
   virtual void caught(const SqlError& fault) = 0;
   /// A fault that was found rather than thrown; `node` is what it is about, or null.
   virtual void found(const SqlError& fault, const ast::Node* node) = 0;
+};
+
+/// A query's output columns as the clauses after its select list see them. A level borrows the
+/// list its query is building; a copy of the level (which outlives the query) owns one.
+class OutputColumns {
+public:
+  OutputColumns() = default;
+  OutputColumns(const OutputColumns& other);
+  OutputColumns& operator=(const OutputColumns& other);
+
+  void borrow(const std::vector<ColumnInfo>* columns) noexcept {
+    m_columns = columns;
+    m_index.reset();
+  }
+  /// Null until the list is known.
+  const std::vector<ColumnInfo>* columns() const noexcept { return m_columns; }
+  /// The first column that answers to `name`, as a table of these columns would find it; the
+  /// null column when none does or the list is not known yet.
+  ColumnInfo find(const std::wstring& name) const;
+
+private:
+  std::vector<ColumnInfo> m_own;
+  const std::vector<ColumnInfo>* m_columns = nullptr;
+  // A long list is searched through a table of its own, made on its first search.
+  mutable std::shared_ptr<GenericTableInfo> m_index;
 };
 
 /// The scope of one query level: the columns of its FROM, then the levels around it, and for
@@ -51,7 +77,7 @@ public:
   bool failedName(const std::wstring& name) const;
 
   std::shared_ptr<ColumnInfoScope> m_local;  ///< the FROM, or null
-  std::shared_ptr<ColumnInfoScope> m_output; ///< the output columns, once known
+  OutputColumns m_output;                    ///< the output columns, once known
   Output m_outputUse = Output::None;
   bool m_incomplete = false;                 ///< a part of the FROM is not known
   std::vector<std::wstring> m_failed;        ///< normalized names of the unknown parts
@@ -101,6 +127,8 @@ public:
 
   /// Borrowed; null for none.
   void setObserver(AnalysisObserver* observer) noexcept { mObserver = observer; }
+  /// Parts that a fault ended before they were typed whole, so far.
+  std::uint64_t cuts() const noexcept { return mCuts; }
 
 private:
   Columns checkQueryHere(const ast::Node& query, const LevelScope* outer);
@@ -114,8 +142,17 @@ private:
 
   std::shared_ptr<ColumnInfoScope> fromReference(const ast::Node& reference, LevelScope& level);
   void selectItem(const ast::Node& item, LevelScope& level, std::int32_t& counter, Columns& result);
-  void checkGrouping(const ast::QuerySpecification& query, const LevelScope& level);
-  void checkAggregates(const ast::Node& condition);
+  /// Where typing stood: a clause typed whole since then holds an aggregate call only if the
+  /// marks moved (see TypingMarks).
+  struct TypingMark {
+    std::uint64_t aggregates;
+    std::uint64_t cuts;
+  };
+  TypingMark typingMark() const noexcept;
+  bool mayHoldAggregates(const TypingMark& since) const noexcept;
+
+  void checkGrouping(const ast::QuerySpecification& query, const LevelScope& level, const TypingMark& since);
+  void checkAggregates(const ast::Node& condition, const TypingMark& since);
   void checkAssignment(const std::shared_ptr<Type>& target, const std::shared_ptr<Type>& source,
                        const ast::Node& value, const std::wstring& table, const std::wstring& column, bool insert);
 
@@ -138,6 +175,8 @@ private:
   const TableInfoContext& mTables;
   FaultSink* mSink;
   AnalysisObserver* mObserver = nullptr;
+  // Parts that a fault ended before they were typed whole.
+  std::uint64_t mCuts = 0;
 };
 
 } // namespace velmor::sql::detail

@@ -97,6 +97,56 @@ std::shared_ptr<Type> charLiteralType(std::size_t length) {
   return std::make_shared<LengthType>(PlainType::Char, static_cast<int>(length));
 }
 
+// The operand types of one call or operation live only while it is typed, and every statement
+// types dozens: their lists come from a few kept on the thread instead of a fresh allocation
+// each. Kept lists are small by nature (one entry an operand).
+constexpr std::size_t kSpareLists = 16;
+constexpr std::size_t kSpareListRoom = 64;
+thread_local bool tSpareListsGone = false;
+
+struct SpareLists {
+  std::vector<std::vector<std::shared_ptr<Type>>> lists;
+  ~SpareLists() { tSpareListsGone = true; }
+};
+
+// Null once the thread's lists died (an inferer run while the thread's objects die).
+SpareLists* spareLists() noexcept {
+  if (tSpareListsGone) return nullptr;
+  thread_local SpareLists spare;
+  return &spare;
+}
+
+// An empty list of types, handed back for reuse when it goes.
+class TypeList {
+public:
+  TypeList() noexcept {
+    SpareLists* spare = spareLists();
+    if (spare && !spare->lists.empty()) {
+      m_types = std::move(spare->lists.back());
+      spare->lists.pop_back();
+    }
+  }
+  ~TypeList() {
+    m_types.clear();
+    SpareLists* spare = spareLists();
+    if (!spare || m_types.capacity() == 0 || m_types.capacity() > kSpareListRoom) return;
+    if (spare->lists.size() >= kSpareLists) return;
+    try {
+      if (spare->lists.capacity() == 0) spare->lists.reserve(kSpareLists);
+      spare->lists.push_back(std::move(m_types));
+    } catch (...) {
+      // Not kept: the next list is allocated afresh.
+    }
+  }
+  TypeList(const TypeList&) = delete;
+  TypeList& operator=(const TypeList&) = delete;
+
+  std::vector<std::shared_ptr<Type>>& operator*() noexcept { return m_types; }
+
+private:
+  std::vector<std::shared_ptr<Type>> m_types;
+};
+
 // Whether the operands already have the types that `overload` takes, so that they need no
 // converted copy: what convertFor would give is the same list.
 bool convertsNothing(const std::vector<std::shared_ptr<Type>>& types, const OverloadInfo& overload) {
@@ -176,6 +226,11 @@ Resolutions* lastingFor(const GlobalTypeContext& global, std::uint64_t revision)
 } // namespace
 
 Resolutions* currentResolutions() noexcept { return tResolutions; }
+
+TypingMarks& typingMarks() noexcept {
+  thread_local TypingMarks marks;
+  return marks;
+}
 
 ResolutionScope::ResolutionScope(const GlobalTypeContext& global) noexcept : mPrevious(tResolutions) {
   if (tResolutions) return;
@@ -267,6 +322,10 @@ void TypeInferer::visit(const ast::String& record) { mResult = stringType(record
 void TypeInferer::visit(const ast::TernaryLogicNode&) { mResult = sharedPlain(PlainType::Boolean); }
 
 void TypeInferer::faultAction() {
+  // A kind typing does not look into.
+  detail::TypingMarks& marks = detail::typingMarks();
+  ++marks.aggregates;
+  ++marks.casts;
   // Types are immutable, so one Fault object serves every inferer.
   static const std::shared_ptr<Type> fault = std::make_shared<Type>(PlainType::Fault);
   mFaultType = fault;
@@ -288,6 +347,12 @@ std::shared_ptr<Type> TypeInferer::inferNodeType(const ast::Node& node) {
 
 std::vector<std::shared_ptr<Type>> TypeInferer::inferTypes(const std::vector<ast::ExpressionNode>& nodes) const {
   std::vector<std::shared_ptr<Type>> types;
+  inferTypesInto(nodes, types);
+  return types;
+}
+
+void TypeInferer::inferTypesInto(const std::vector<ast::ExpressionNode>& nodes,
+                                 std::vector<std::shared_ptr<Type>>& types) const {
   types.reserve(nodes.size());
   if (!mAnalysis) {
     for (const ast::ExpressionNode& node : nodes) {
@@ -295,11 +360,11 @@ std::vector<std::shared_ptr<Type>> TypeInferer::inferTypes(const std::vector<ast
       inferer.doVisit(node);
       types.push_back(std::move(inferer).result());
     }
-    return types;
+    return;
   }
   if (!mAnalysis->gathersFaults()) {
     for (const ast::ExpressionNode& node : nodes) types.push_back(typeOfPart(node));
-    return types;
+    return;
   }
   // Each part is typed even after one has failed, so that all of its faults are found; the
   // whole then has no type, and no fault of its own is looked for.
@@ -315,42 +380,53 @@ std::vector<std::shared_ptr<Type>> TypeInferer::inferTypes(const std::vector<ast
     }
   }
   if (failed) throw FaultReported();
-  return types;
 }
 
 std::shared_ptr<Type> TypeInferer::functionType(const ast::Function& function) {
   const std::shared_ptr<FunctionInfo> info = mGlobalContext.function(function.name);
   if (!info) throw UnknownFunction(function.name);
-  const std::vector<std::shared_ptr<Type>> types = inferTypes(function.arguments);
-  const std::shared_ptr<OverloadInfo> overload = findOverload(function, info, types);
-  if (types.size() == function.arguments.size() && convertsNothing(types, *overload)) return overload->calcFullType(types);
-  return overload->calcFullType(convertFor(types, *overload, function.arguments.size()));
+  if (info->kind() == FunctionKind::Aggregate) ++detail::typingMarks().aggregates;
+  TypeList types;
+  inferTypesInto(function.arguments, *types);
+  const std::shared_ptr<OverloadInfo> overload = findOverload(function, info, *types);
+  return convertedType(*types, *overload, function.arguments.size());
 }
 
 std::shared_ptr<Type> TypeInferer::operatorType(const ast::Operation& operation) {
   const std::shared_ptr<OperatorInfo> info = mGlobalContext.operatorInfo(operation.operation);
   if (!info) throw OperatorNotSupported(operation.operation);
-  const std::vector<std::shared_ptr<Type>> types = operationTypes(operation);
-  const std::shared_ptr<OperatorOverloadInfo> overload = findOperatorOverload(operation, info, types);
-  if (types.size() == operation.operands.size() && convertsNothing(types, *overload)) return overload->calcFullType(types);
-  return overload->calcFullType(convertFor(types, *overload, operation.operands.size()));
+  TypeList types;
+  operationTypesInto(operation, *types);
+  const std::shared_ptr<OperatorOverloadInfo> overload = findOperatorOverload(operation, info, *types);
+  return convertedType(*types, *overload, operation.operands.size());
 }
 
 std::vector<std::shared_ptr<Type>> TypeInferer::operationTypes(const ast::Operation& operation) const {
-  if (mAnalysis) return standardOperationTypes(operation);
+  std::vector<std::shared_ptr<Type>> types;
+  operationTypesInto(operation, types);
+  return types;
+}
+
+void TypeInferer::operationTypesInto(const ast::Operation& operation, std::vector<std::shared_ptr<Type>>& types) const {
+  if (mAnalysis) {
+    standardOperationTypes(operation, types);
+    return;
+  }
   if (operation.operation != OperationCode::Cast || operation.operands.size() != 2) {
-    return inferTypes(operation.operands);
+    inferTypesInto(operation.operands, types);
+    return;
   }
   // The target of a CAST is a type name that the grammar read as an expression.
-  std::vector<std::shared_ptr<Type>> types;
   types.reserve(2);
   TypeInferer value = part();
   value.doVisit(operation.operands.front());
   types.push_back(std::move(value).result());
+  detail::TypingMarks& marks = detail::typingMarks();
+  ++marks.casts;
+  ++marks.aggregates; // the target is a type name, which typing does not look into
   StringTypeInferer target;
   target.doVisit(operation.operands.back());
   types.push_back(std::move(target).result());
-  return types;
 }
 
 std::shared_ptr<Type> TypeInferer::stringType(const ast::String& node) {
@@ -563,12 +639,14 @@ std::vector<std::shared_ptr<Type>> TypeInferer::convertTypes(const std::vector<s
   return result;
 }
 
-std::vector<std::shared_ptr<Type>> TypeInferer::convertFor(const std::vector<std::shared_ptr<Type>>& types,
-                                                           const OverloadInfo& overload, std::size_t count) const {
+std::shared_ptr<Type> TypeInferer::convertedType(const std::vector<std::shared_ptr<Type>>& types,
+                                                const OverloadInfo& overload, std::size_t count) const {
+  if (types.size() == count && convertsNothing(types, overload)) return overload.calcFullType(types);
   // convertTypes(types, overload.parameterTypes(count)), without the list of parameter types.
   const std::size_t n = types.size();
   VELMOR_SQL_ASSERT(n == count, "TypeInferer");
-  std::vector<std::shared_ptr<Type>> result;
+  TypeList converted;
+  std::vector<std::shared_ptr<Type>>& result = *converted;
   result.reserve(n);
   for (std::size_t i = 0; i < n; ++i) {
     const std::shared_ptr<Type>& type = types[i];
@@ -579,7 +657,7 @@ std::vector<std::shared_ptr<Type>> TypeInferer::convertFor(const std::vector<std
       result.push_back(mGlobalContext.convert(type, to));
     }
   }
-  return result;
+  return overload.calcFullType(result);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -666,10 +744,9 @@ std::shared_ptr<Type> TypeInferer::scalarQueryType(const ast::Node& query) const
   return row;
 }
 
-std::vector<std::shared_ptr<Type>> TypeInferer::standardOperationTypes(const ast::Operation& operation) const {
+void TypeInferer::standardOperationTypes(const ast::Operation& operation, std::vector<std::shared_ptr<Type>>& types) const {
   const bool cast = operation.operation == OperationCode::Cast && operation.operands.size() == 2;
   const std::size_t count = operation.operands.size();
-  std::vector<std::shared_ptr<Type>> types;
   types.reserve(count);
   const bool gather = mAnalysis->gathersFaults();
   bool failed = false;
@@ -678,6 +755,9 @@ std::vector<std::shared_ptr<Type>> TypeInferer::standardOperationTypes(const ast
     try {
       if (cast && i == 1) {
         // The target of a CAST is a type name that the grammar read as an expression.
+        detail::TypingMarks& marks = detail::typingMarks();
+        ++marks.casts;
+        ++marks.aggregates; // the target is a type name, which typing does not look into
         StringTypeInferer target;
         target.doVisit(operand);
         types.push_back(std::move(target).result());
@@ -715,7 +795,6 @@ std::vector<std::shared_ptr<Type>> TypeInferer::standardOperationTypes(const ast
       }
     }
   }
-  return types;
 }
 
 } // namespace velmor::sql

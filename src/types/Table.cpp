@@ -122,6 +122,10 @@ GenericTableInfo::GenericTableInfo(const std::vector<ColumnInfo>& columns) : m_c
   updateSearchIndex();
 }
 
+GenericTableInfo::GenericTableInfo(std::vector<ColumnInfo>&& columns) : m_columns(std::move(columns)) {
+  updateSearchIndex();
+}
+
 std::shared_ptr<GenericTableInfo> GenericTableInfo::create(std::initializer_list<ColumnInfo> columns) {
   return std::make_shared<GenericTableInfo>(columns);
 }

@@ -10,6 +10,7 @@
 #include <velmor/sql/validation/QualifierChecks.h>
 #include <velmor/sql/errors/SemanticErrors.h>
 
+#include "ast/RecordOf.h"
 #include "inference/Resolutions.h"
 #include "inference/StandardAnalysis.h"
 
@@ -56,10 +57,10 @@ bool Validator::validateStatement(const ast::Node& statement) {
   if (mScoping == Scoping::Compatible) {
     if (ast::nodeIs<ast::QuerySpecification>(statement)) {
       const std::size_t before = mErrors.size();
-      validate(ast::getNodeValue<ast::QuerySpecification>(statement));
+      validate(ast::detail::recordIn<ast::QuerySpecification>(statement));
       return mErrors.size() == before;
     }
-    if (ast::nodeIs<ast::UpdateStatement>(statement)) return validate(ast::getNodeValue<ast::UpdateStatement>(statement));
+    if (ast::nodeIs<ast::UpdateStatement>(statement)) return validate(ast::detail::recordIn<ast::UpdateStatement>(statement));
   }
   return validateStandard(statement);
 }
@@ -70,9 +71,13 @@ bool Validator::validateStandard(const ast::Node& statement) {
   ListSink sink(mErrors);
   detail::StandardAnalysis analysis(mGlobalContext, mTableContext, &sink);
   try {
+    const std::uint64_t castsBefore = detail::typingMarks().casts;
     analysis.checkStatement(statement, mExternalScope);
-    if (ast::nodeIs<ast::QuerySpecification>(statement) &&
-        ContextCheckVisitor(mGlobalContext).isContext(ast::getNodeValue<ast::QuerySpecification>(statement))) {
+    // The walk finds nothing but a CAST: when typing went through the whole statement and met
+    // none, it is spared.
+    const bool mayHoldCasts = detail::typingMarks().casts != castsBefore || analysis.cuts() != 0;
+    if (mayHoldCasts && ast::nodeIs<ast::QuerySpecification>(statement) &&
+        ContextCheckVisitor(mGlobalContext).isContext(ast::detail::recordIn<ast::QuerySpecification>(statement))) {
       mErrors.push_back(std::make_shared<ContextQuery>());
       detail::noteMarkedFault(*mErrors.back());
     }

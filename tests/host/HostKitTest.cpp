@@ -170,6 +170,33 @@ struct Utf8Case {
   std::string back; // the bytes toUtf8 gives for `units`
 };
 
+// A catalogue's table finds each name where a GenericTableInfo of the same columns finds it:
+// any case, other names, the first column to claim a name, names beyond ASCII, with a NUL, and
+// tables large enough to need a larger index.
+TEST(HostCatalogue, TablesFindNamesAsTheGenericTableDoes) {
+  std::vector<ColumnInfo> columns{
+      ColumnInfo(std::vector<std::wstring>{L"Parcel_ID", L"pid"}, nullptr, L"t"),
+      ColumnInfo(L"PID", nullptr, L"t"),            // claimed by parcel_id already
+      ColumnInfo(L"\u00C4rea", nullptr, L"t"),        // beyond ASCII: folds to \u00E4rea
+      ColumnInfo(std::wstring(L"a\0B", 3), nullptr, L"t"),
+      ColumnInfo(L"x", nullptr, L"t"),
+  };
+  for (int i = 0; i < 40; ++i) columns.emplace_back(L"col" + std::to_wstring(i), nullptr, L"t");
+  const std::vector<std::wstring> probes{
+      L"parcel_id", L"PARCEL_id", L"pid", L"Pid", L"\u00E4REA", L"\u00C4REA", L"area", std::wstring(L"a\0B", 3),
+      std::wstring(L"A\0B", 3), std::wstring(L"a\0b", 3), L"X", L"COL0", L"col39", L"col40", L"", L"parcel", L"x "};
+  for (const std::size_t count : {std::size_t{5}, columns.size()}) {
+    const std::vector<ColumnInfo> some(columns.begin(), columns.begin() + static_cast<std::ptrdiff_t>(count));
+    Catalogue catalogue;
+    catalogue.addTable(L"t", some);
+    const GenericTableInfo generic(some);
+    const auto table = catalogue.table(L"t");
+    for (const std::wstring& probe : probes) {
+      EXPECT_EQ(table->indexByName(probe), generic.indexByName(probe)) << count << " columns, name of " << probe.size();
+    }
+  }
+}
+
 TEST(HostUtf8, RoundTripAndInvalidBytes) {
   const Utf8Case cases[] = {
       {"abc", L"abc", "abc"},

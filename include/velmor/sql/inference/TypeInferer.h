@@ -203,12 +203,16 @@ private:
   // Standard scoping: the row type of a query in an expression (one column, or a TupleType).
   std::shared_ptr<Type> queryRowType(const ast::Node& query) const;
   std::shared_ptr<Type> scalarQueryType(const ast::Node& query) const;
-  std::vector<std::shared_ptr<Type>> standardOperationTypes(const ast::Operation& operation) const;
+  void standardOperationTypes(const ast::Operation& operation, std::vector<std::shared_ptr<Type>>& types) const;
+  // What inferTypes and operationTypes give, into `types` (empty on entry).
+  void inferTypesInto(const std::vector<ast::ExpressionNode>& nodes, std::vector<std::shared_ptr<Type>>& types) const;
+  void operationTypesInto(const ast::Operation& operation, std::vector<std::shared_ptr<Type>>& types) const;
 
   QueryAnalysis* mAnalysis = nullptr;
   std::shared_ptr<QueryAnalysis> mOwnAnalysis;
-  std::vector<std::shared_ptr<Type>> convertFor(const std::vector<std::shared_ptr<Type>>& types,
-                                                const OverloadInfo& overload, std::size_t count) const;
+  // The type of a call or an operation from its operand types, once its overload is known.
+  std::shared_ptr<Type> convertedType(const std::vector<std::shared_ptr<Type>>& types, const OverloadInfo& overload,
+                                      std::size_t count) const;
   // The overloads chosen so far in the check that made this inferer, if one runs.
   detail::Resolutions* mResolutions = nullptr;
   std::shared_ptr<OperatorOverloadInfo> resolveOperatorOverload(const ast::Operation& operation,

@@ -93,6 +93,8 @@ public:
   /// Copy the columns and build the name index.
   GenericTableInfo(std::initializer_list<ColumnInfo> columns);
   explicit GenericTableInfo(const std::vector<ColumnInfo>& columns);
+  /// Take the columns and build the name index.
+  explicit GenericTableInfo(std::vector<ColumnInfo>&& columns);
 
   static std::shared_ptr<GenericTableInfo> create(std::initializer_list<ColumnInfo> columns);
   /// A new empty table every time (nothing shared).
