@@ -52,11 +52,11 @@ Lexer::Lexer(const std::string& text) {
 
 Lexer::~Lexer() = default;
 
-int Lexer::fill(const unsigned char*& cursor, const unsigned char*& marker, const unsigned char*& lexemeStart,
-                const unsigned char*& limit) {
+Lexer::Refill Lexer::fill(const unsigned char* cursor, const unsigned char* marker, const unsigned char* lexemeStart,
+                          const unsigned char* limit) {
   if (mSource == mSourceLimit) {
     if (mEndsAtNul) mStatus = Status::Error;
-    return 1;
+    return {cursor, marker, lexemeStart, limit, false};
   }
   const auto kept = static_cast<std::size_t>(limit - lexemeStart);
   if (kept >= maxLexemeWindow) lexemeTooLong();
@@ -71,10 +71,9 @@ int Lexer::fill(const unsigned char*& cursor, const unsigned char*& marker, cons
   cursor -= shift;
   // The marker is stale until the automaton sets it within this lexeme.
   if (marker >= lexemeStart) marker -= shift;
-  lexemeStart = start;
-  limit = mLimit = start + kept + added;
+  mLimit = start + kept + added;
   start[kept + added] = 0;
-  return 0;
+  return {cursor, marker, start, mLimit, true};
 }
 
 void Lexer::noteDropped(const unsigned char* at) {

@@ -91,13 +91,22 @@ public:
   }
 
 private:
+  /// The automaton's four pointers, handed to fill() and back by value: were their addresses
+  /// taken, the automaton would keep them in memory and load and store them at every byte.
+  struct Refill {
+    const unsigned char* cursor;
+    const unsigned char* marker;
+    const unsigned char* lexemeStart;
+    const unsigned char* limit;
+    bool more;
+  };
   /// Called by the automaton when it reaches `limit`. With text left beyond the window, moves
-  /// the lexeme under way to the window's start, reads on and succeeds (0), or throws the
-  /// lexeme-size error when the lexeme fills the window already. Otherwise fails (1): at the
-  /// end of the text the automaton falls back to its last match, at a NUL the status becomes
-  /// Error and the lexeme under way is dropped.
-  int fill(const unsigned char*& cursor, const unsigned char*& marker, const unsigned char*& lexemeStart,
-           const unsigned char*& limit);
+  /// the lexeme under way to the window's start, reads on and succeeds (`more`), or throws the
+  /// lexeme-size error when the lexeme fills the window already. Otherwise fails: at the end of
+  /// the text the automaton falls back to its last match, at a NUL the status becomes Error and
+  /// the lexeme under way is dropped. The pointers come back moved with the window.
+  Refill fill(const unsigned char* cursor, const unsigned char* marker, const unsigned char* lexemeStart,
+              const unsigned char* limit);
   /// Moves line and column over the bytes of an accepted lexeme.
   void advance(const unsigned char* from, const unsigned char* to);
   /// The same for a lexeme without tabs and line breaks: one column per code point.

@@ -13,7 +13,7 @@ namespace velmor::sql {
   re2c:define:YYCURSOR = cur;
   re2c:define:YYMARKER = mar;
   re2c:define:YYLIMIT = lim;
-  re2c:define:YYFILL = "fill(cur, mar, tok, lim) == 0";
+  re2c:define:YYFILL = "(refilled = fill(cur, mar, tok, lim), cur = refilled.cursor, mar = refilled.marker, tok = refilled.lexemeStart, lim = refilled.limit, refilled.more)";
   re2c:define:YYFILL:naked = 1;
   re2c:eof = 0;
   re2c:indent:top = 2;
@@ -153,6 +153,8 @@ inline constexpr auto asciiNameBytes = [] {
   const unsigned char* lim = mLimit;
   const unsigned char* tok = cur;
   std::uint32_t id = T_UNINITIALIZED;
+  // Where fill() hands the four pointers back, so that their own addresses are never taken.
+  Refill refilled;
 
   for (;;) {
     // A lone blank before a printable ASCII character is a whole lexeme, and by far the
