@@ -10,6 +10,7 @@
 #include "common/SmallStack.h"
 #include "inference/Resolutions.h"
 #include "inference/ResultColumns.h"
+#include "scope/AsteriskTest.h"
 #include "types/ColumnOrder.h"
 #include "types/Folding.h"
 
@@ -326,7 +327,7 @@ ColumnInfo OutputColumns::find(const std::wstring& name) const {
 }
 
 bool LevelScope::knowsQualifier(const std::wstring& name) const {
-  return (m_local && !m_local->columnsForAsterisk(name).empty()) || failedName(name);
+  return (m_local && hasAsteriskColumns(*m_local, name)) || failedName(name);
 }
 
 bool LevelScope::failedName(const std::wstring& name) const {

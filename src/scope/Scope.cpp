@@ -4,6 +4,7 @@
 #include <velmor/sql/types/Strings.h>
 #include <velmor/sql/errors/SemanticErrors.h>
 
+#include "scope/AsteriskTest.h"
 #include "types/Folding.h"
 
 #include <range/v3/range/conversion.hpp>
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <set>
+#include <typeinfo>
 #include <utility>
 
 namespace velmor::sql {
@@ -79,7 +81,7 @@ ColumnInfo JoinScope::columnInfo(const std::wstring& table, const std::wstring& 
     }
     // A later hit conflicts only when its scope takes part in `*`: an enclosing query's scope
     // doesn't, so an inner column simply hides an outer one of the same name.
-    if (!scope->columnsForAsterisk(std::wstring()).empty()) throw AmbiguousColumnReference(table, column);
+    if (detail::hasAsteriskColumns(*scope, std::wstring())) throw AmbiguousColumnReference(table, column);
   }
   return result;
 }
@@ -141,5 +143,30 @@ std::shared_ptr<ColumnInfoScope> addExternalScope(std::shared_ptr<ColumnInfoScop
   return std::make_shared<JoinScope>(
       std::vector<std::shared_ptr<ColumnInfoScope>>{std::move(scope), std::make_shared<ExternalScope>(external)});
 }
+
+namespace detail {
+
+bool hasAsteriskColumns(const ScopeTypeContext& scope, const std::wstring& table) {
+  const std::type_info& kind = typeid(scope);
+  if (kind == typeid(TableInfoScope)) {
+    const auto& tableScope = static_cast<const TableInfoScope&>(scope);
+    if (!table.empty() && !tableScope.isTableName(table)) return false;
+    return tableScope.tableInfo() && tableScope.tableInfo()->columnCount() > 0;
+  }
+  if (kind == typeid(JoinScope)) {
+    // The first side that lists columns is in the list, whatever the others list.
+    for (const auto& side : static_cast<const JoinScope&>(scope).scopes()) {
+      if (hasAsteriskColumns(*side, table)) return true;
+    }
+    return false;
+  }
+  if (kind == typeid(ExternalScope)) {
+    const auto& outer = static_cast<const ExternalScope&>(scope).scope();
+    return !table.empty() && outer && hasAsteriskColumns(*outer, table);
+  }
+  return !scope.columnsForAsterisk(table).empty();
+}
+
+} // namespace detail
 
 } // namespace velmor::sql

@@ -5,6 +5,8 @@
 #include <velmor/sql/types/Strings.h>
 #include <velmor/sql/errors/SemanticErrors.h>
 
+#include "scope/AsteriskTest.h"
+
 namespace velmor::sql {
 
 UnknownTableQualifiersVisitor::UnknownTableQualifiersVisitor(const TableInfoContext& tableContext,
@@ -15,7 +17,7 @@ void UnknownTableQualifiersVisitor::handleTableName(const std::wstring& name) {
   if (name.empty()) return;
   // A table of the host is a valid qualifier even when the FROM list doesn't name it.
   if (mTableContext.table(name)) return;
-  if (mScope != nullptr && !mScope->columnsForAsterisk(name).empty()) return;
+  if (mScope != nullptr && detail::hasAsteriskColumns(*mScope, name)) return;
   report(UnknownTableReference(name));
 }
 

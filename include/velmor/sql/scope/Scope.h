@@ -121,6 +121,9 @@ public:
   /// Always empty.
   AsteriskColumns columnsForAsterisk_impl() const override;
 
+  /// The enclosing scope; may be empty.
+  const std::shared_ptr<ColumnInfoScope>& scope() const noexcept { return m_scope; }
+
 private:
   std::shared_ptr<ColumnInfoScope> m_scope;
 };
