@@ -197,6 +197,39 @@ TEST(HostCatalogue, TablesFindNamesAsTheGenericTableDoes) {
   }
 }
 
+// Conversions hand out shared types: each kind, length and pair of digits gets its own, below,
+// at and past the sizes that are kept, whatever was converted before.
+TEST(HostCatalogue, ConversionsKeepKindLengthAndDigits) {
+  Catalogue catalogue;
+  const std::vector<PlainType> lengthKinds{PlainType::Binary, PlainType::VarBinary, PlainType::BinaryLargeObject,
+                                           PlainType::Char,   PlainType::VarChar,   PlainType::CharLargeObject};
+  for (int round = 0; round < 2; ++round) {
+    for (const int length : {0, 1, 255, 256, 70000}) {
+      for (const PlainType kind : lengthKinds) {
+        const auto converted = catalogue.convert(std::make_shared<LengthType>(PlainType::VarChar, length), kind);
+        const auto* sized = dynamic_cast<const LengthType*>(converted.get());
+        ASSERT_NE(sized, nullptr);
+        EXPECT_EQ(sized->plainType(), kind) << length;
+        EXPECT_EQ(sized->length(), length);
+      }
+    }
+    for (const auto& [precision, scale] : std::vector<std::pair<int, int>>{{0, 0}, {12, 2}, {39, 39}, {40, 2}, {12, 40}}) {
+      for (const PlainType kind : {PlainType::Decimal, PlainType::Numeric}) {
+        const auto converted =
+            catalogue.convert(std::make_shared<PrecisionScaleType>(PlainType::Decimal, precision, scale), kind);
+        const auto* digits = dynamic_cast<const PrecisionScaleType*>(converted.get());
+        ASSERT_NE(digits, nullptr);
+        EXPECT_EQ(digits->plainType(), kind) << precision << "," << scale;
+        EXPECT_EQ(digits->precision(), precision);
+        EXPECT_EQ(digits->scale(), scale);
+      }
+    }
+    for (const PlainType kind : {PlainType::Integer, PlainType::Double, PlainType::Boolean, PlainType::Date}) {
+      EXPECT_EQ(catalogue.convert(std::make_shared<Type>(PlainType::SmallInt), kind)->plainType(), kind);
+    }
+  }
+}
+
 TEST(HostUtf8, RoundTripAndInvalidBytes) {
   const Utf8Case cases[] = {
       {"abc", L"abc", "abc"},
