@@ -12,7 +12,6 @@
 
 #include <cstdint>
 #include <map>
-#include <set>
 #include <string_view>
 #include <unordered_map>
 #include <string>

@@ -148,7 +148,7 @@ private:
 };
 
 // Whether the operands already have the types that `overload` takes, so that they need no
-// converted copy: what convertFor would give is the same list.
+// converted copy: what convertedType would convert them to is the same list.
 bool convertsNothing(const std::vector<std::shared_ptr<Type>>& types, const OverloadInfo& overload) {
   for (std::size_t i = 0; i < types.size(); ++i) {
     if (types[i] && types[i]->plainType() != overload.parameterType(i)) return false;
