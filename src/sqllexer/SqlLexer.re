@@ -2,7 +2,10 @@
 // header, so that the parser can inline it. Scanner.cpp gives everyone else Lexer::next.
 #pragma once
 
+#include "sqllexer/Keywords.h"
 #include "sqllexer/Lexer.h"
+
+#include <cstdint>
 
 namespace velmor::sql {
 
@@ -31,105 +34,6 @@ namespace velmor::sql {
   INTEGER = DIGIT+;
   EXACT = DIGIT+ "." DIGIT* | "." DIGIT+;
 */
-
-// The keyword that the ASCII name [begin, end) spells, else T_IDENTIFIER. The byte at `end`
-// must be readable and no letter, digit, '_' or '$': the automaton stops there at the latest.
-[[gnu::always_inline]] inline std::uint32_t keywordOf(const unsigned char* begin, const unsigned char* end) {
-  const unsigned char* cur = begin;
-  const unsigned char* mar = begin;
-  std::uint32_t id = T_IDENTIFIER;
-  /*!local:re2c
-    re2c:yyfill:enable = 0;
-    re2c:eof = -1;
-    re2c:indent:top = 1;
-
-    'all'        { id = T_ALL; goto matched; }
-    'and'        { id = T_AND; goto matched; }
-    'any'        { id = T_ANY; goto matched; }
-    'some'       { id = T_ANY; goto matched; }
-    'array'      { id = T_ARRAY; goto matched; }
-    'as'         { id = T_AS; goto matched; }
-    'asc'        { id = T_ASC; goto matched; }
-    'between'    { id = T_BETWEEN; goto matched; }
-    'by'         { id = T_BY; goto matched; }
-    'case'       { id = T_CASE; goto matched; }
-    'cast'       { id = T_CAST; goto matched; }
-    'contains'   { id = T_CONTAINS; goto matched; }
-    'cross'      { id = T_CROSS; goto matched; }
-    'default'    { id = T_DEFAULT; goto matched; }
-    'delete'     { id = T_DELETE; goto matched; }
-    'desc'       { id = T_DESC; goto matched; }
-    'distinct'   { id = T_DISTINCT; goto matched; }
-    'else'       { id = T_ELSE; goto matched; }
-    'end'        { id = T_END; goto matched; }
-    'entire'     { id = T_ENTIRE; goto matched; }
-    'entirely'   { id = T_ENTIRELY; goto matched; }
-    'except'     { id = T_EXCEPT; goto matched; }
-    'exists'     { id = T_EXISTS; goto matched; }
-    'false'      { id = T_FALSE; goto matched; }
-    'first'      { id = T_FIRST; goto matched; }
-    'from'       { id = T_FROM; goto matched; }
-    'full'       { id = T_FULL; goto matched; }
-    'glob'       { id = T_GLOB; goto matched; }
-    'group'      { id = T_GROUP; goto matched; }
-    'groupby'    { id = T_GROUPBY; goto matched; }
-    'having'     { id = T_HAVING; goto matched; }
-    'in'         { id = T_IN; goto matched; }
-    'inner'      { id = T_INNER; goto matched; }
-    'insert'     { id = T_INSERT; goto matched; }
-    'intersect'  { id = T_INTERSECT; goto matched; }
-    'intersects' { id = T_INTERSECTS; goto matched; }
-    'into'       { id = T_INTO; goto matched; }
-    'is'         { id = T_IS; goto matched; }
-    'join'       { id = T_JOIN; goto matched; }
-    'last'       { id = T_LAST; goto matched; }
-    'left'       { id = T_LEFT; goto matched; }
-    'like'       { id = T_LIKE; goto matched; }
-    'limit'      { id = T_LIMIT; goto matched; }
-    'mod'        { id = T_MOD; goto matched; }
-    'multiset'   { id = T_MULTISET; goto matched; }
-    'natural'    { id = T_NATURAL; goto matched; }
-    'noselect'   { id = T_NOSELECT; goto matched; }
-    'not'        { id = T_NOT; goto matched; }
-    'null'       { id = T_NULL; goto matched; }
-    'nulls'      { id = T_NULLS; goto matched; }
-    'offset'     { id = T_OFFSET; goto matched; }
-    'on'         { id = T_ON; goto matched; }
-    'or'         { id = T_OR; goto matched; }
-    'order'      { id = T_ORDER; goto matched; }
-    'orderby'    { id = T_ORDERBY; goto matched; }
-    'outer'      { id = T_OUTER; goto matched; }
-    'overriding' { id = T_OVERRIDING; goto matched; }
-    'part'       { id = T_PART; goto matched; }
-    'partly'     { id = T_PARTLY; goto matched; }
-    'regexp'     { id = T_REGEXP; goto matched; }
-    'right'      { id = T_RIGHT; goto matched; }
-    'row'        { id = T_ROW; goto matched; }
-    'select'     { id = T_SELECT; goto matched; }
-    'set'        { id = T_SET; goto matched; }
-    'system'     { id = T_SYSTEM; goto matched; }
-    'table'      { id = T_TABLE; goto matched; }
-    'then'       { id = T_THEN; goto matched; }
-    'true'       { id = T_TRUE; goto matched; }
-    'union'      { id = T_UNION; goto matched; }
-    'unique'     { id = T_UNIQUE; goto matched; }
-    'unknown'    { id = T_UNKNOWN; goto matched; }
-    'update'     { id = T_UPDATE; goto matched; }
-    'user'       { id = T_USER; goto matched; }
-    'using'      { id = T_USING; goto matched; }
-    'value'      { id = T_VALUE; goto matched; }
-    'values'     { id = T_VALUES; goto matched; }
-    'when'       { id = T_WHEN; goto matched; }
-    'where'      { id = T_WHERE; goto matched; }
-    'within'     { id = T_WITHIN; goto matched; }
-    'xor'        { id = T_XOR; goto matched; }
-
-    * { return T_IDENTIFIER; }
-  */
-matched:
-  // A keyword that is only the beginning of the name leaves a longer name.
-  return cur == end ? id : T_IDENTIFIER;
-}
 
 /// Bytes that may begin and continue an ASCII name, as the automaton's ASCII rule has them.
 inline constexpr auto asciiNameBytes = [] {
@@ -256,7 +160,7 @@ bracketed:
   return true;
 
 asciiName:
-  id = keywordOf(tok, cur);
+  id = keywords::keywordOf(tok, cur, lim);
   if (id != T_IDENTIFIER) goto plain;
 asciiWord:
   if (mStatus != Status::Good) goto ended;
