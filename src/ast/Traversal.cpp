@@ -1,6 +1,12 @@
 // The children of each record kind and the tree walk built on them.
 #include <velmor/sql/ast/Traversal.h>
 
+#include "ast/RecordOf.h"
+
+#include <array>
+#include <type_traits>
+#include <typeinfo>
+
 namespace velmor::sql::ast {
 namespace {
 
@@ -183,4 +189,33 @@ void TraversalVisitor::maybeAddChildren(const Node& node) {
 
 void TraversalVisitor::processNode(const Node& node) { mWorkList.push_back(node); }
 
+namespace detail {
+namespace {
+
+template <class T>
+const char* nodeTypeName() {
+  if constexpr (std::is_same_v<T, Range>) {
+    return nullptr;  // a visitor slot without a node class
+  } else {
+    return typeid(NodeImpl<T>).name();
+  }
+}
+
+} // namespace
+
+bool isLibraryNodeName(const char* typeName) noexcept {
+  // The commonest kinds first; the rest follow in slot order.
+  static const auto names = std::array{
+      nodeTypeName<ColumnReference>(), nodeTypeName<Operation>(), nodeTypeName<Number>(),
+      nodeTypeName<String>(), nodeTypeName<Function>(), typeid(NodeImpl<EmptyNode>).name(),
+#define VELMOR_SQL_RECORD(Name, isExpr) nodeTypeName<Name>(),
+#include <velmor/sql/ast/Records.def>
+  };
+  for (const char* name : names) {
+    if (name == typeName) return true;
+  }
+  return false;
+}
+
+} // namespace detail
 } // namespace velmor::sql::ast

@@ -5,6 +5,7 @@
 #include <velmor/sql/inference/TypeInferer.h>
 #include <velmor/sql/errors/SemanticErrors.h>
 
+#include "ast/RecordOf.h"
 #include "inference/ResultColumns.h"
 #include "inference/Resolutions.h"
 #include "inference/StandardAnalysis.h"
@@ -208,7 +209,7 @@ std::shared_ptr<TableInfo> buildTableInfo(const GlobalTypeContext& global, const
                                           const ast::Node& query, Scoping scoping,
                                           const std::shared_ptr<ColumnInfoScope>& external) {
   if (scoping == Scoping::Compatible) {
-    if (!ast::nodeIs<ast::QuerySpecification>(query)) return std::make_shared<GenericTableInfo>(std::vector<ColumnInfo>{});
+    if (!ast::detail::holds<ast::QuerySpecification>(query)) return std::make_shared<GenericTableInfo>(std::vector<ColumnInfo>{});
     return buildTableInfo(global, tables, ast::getNodeValue<ast::QuerySpecification>(query), external);
   }
   const detail::ResolutionScope resolutions(global);

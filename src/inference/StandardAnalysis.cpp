@@ -166,8 +166,8 @@ public:
 
 private:
   bool sameRecord(const ast::Node& x, const ast::Node& y) const {
-    if (ast::nodeIs<ast::ColumnReference>(x)) {
-      if (!ast::nodeIs<ast::ColumnReference>(y)) return false;
+    if (ast::detail::holds<ast::ColumnReference>(x)) {
+      if (!ast::detail::holds<ast::ColumnReference>(y)) return false;
       const auto& a = ast::detail::recordIn<ast::ColumnReference>(x);
       const auto& b = ast::detail::recordIn<ast::ColumnReference>(y);
       if (sameNames(a.table, b.table) && sameNames(a.column, b.column)) return true;
@@ -175,27 +175,27 @@ private:
       const ColumnInfo cb = resolve(b);
       return !ca.isNull() && !cb.isNull() && sameColumn(ca, cb);
     }
-    if (ast::nodeIs<ast::Number>(x)) {
-      return ast::nodeIs<ast::Number>(y) && ast::detail::recordIn<ast::Number>(x).text == ast::detail::recordIn<ast::Number>(y).text;
+    if (ast::detail::holds<ast::Number>(x)) {
+      return ast::detail::holds<ast::Number>(y) && ast::detail::recordIn<ast::Number>(x).text == ast::detail::recordIn<ast::Number>(y).text;
     }
-    if (ast::nodeIs<ast::String>(x)) {
-      return ast::nodeIs<ast::String>(y) &&
+    if (ast::detail::holds<ast::String>(x)) {
+      return ast::detail::holds<ast::String>(y) &&
              ast::detail::recordIn<ast::String>(x).value.toString() == ast::detail::recordIn<ast::String>(y).value.toString();
     }
-    if (ast::nodeIs<ast::Function>(x)) {
-      if (!ast::nodeIs<ast::Function>(y)) return false;
+    if (ast::detail::holds<ast::Function>(x)) {
+      if (!ast::detail::holds<ast::Function>(y)) return false;
       const auto& a = ast::detail::recordIn<ast::Function>(x);
       const auto& b = ast::detail::recordIn<ast::Function>(y);
       return sameNames(a.name, b.name) && a.asterisk == b.asterisk && a.setQuantifier == b.setQuantifier;
     }
-    if (ast::nodeIs<ast::Operation>(x)) {
-      if (!ast::nodeIs<ast::Operation>(y)) return false;
+    if (ast::detail::holds<ast::Operation>(x)) {
+      if (!ast::detail::holds<ast::Operation>(y)) return false;
       const auto& a = ast::detail::recordIn<ast::Operation>(x);
       const auto& b = ast::detail::recordIn<ast::Operation>(y);
       return a.operation == b.operation && a.quantifier == b.quantifier;
     }
-    if (ast::nodeIs<ast::TernaryLogicNode>(x)) {
-      return ast::nodeIs<ast::TernaryLogicNode>(y) &&
+    if (ast::detail::holds<ast::TernaryLogicNode>(x)) {
+      return ast::detail::holds<ast::TernaryLogicNode>(y) &&
              ast::detail::recordIn<ast::TernaryLogicNode>(x).value == ast::detail::recordIn<ast::TernaryLogicNode>(y).value;
     }
     // Anything else (rows, lists, queries) is never taken for a grouped expression.
@@ -251,7 +251,7 @@ Family familyOf(PlainType type) {
 }
 
 bool isNullLiteral(const ast::Node& node) {
-  return ast::nodeIs<ast::TernaryLogicNode>(node) &&
+  return ast::detail::holds<ast::TernaryLogicNode>(node) &&
          ast::detail::recordIn<ast::TernaryLogicNode>(node).value.value() == TernaryLogic::Unknown;
 }
 
@@ -478,11 +478,11 @@ void StandardAnalysis::checkStatement(const ast::Node& statement, const std::sha
   LevelScope outside(nullptr);
   outside.m_local = external;
   const LevelScope* outer = external ? &outside : nullptr;
-  if (ast::nodeIs<ast::UpdateStatement>(statement)) {
+  if (ast::detail::holds<ast::UpdateStatement>(statement)) {
     checkUpdate(ast::detail::recordIn<ast::UpdateStatement>(statement), statement, outer);
-  } else if (ast::nodeIs<ast::InsertStatement>(statement)) {
+  } else if (ast::detail::holds<ast::InsertStatement>(statement)) {
     checkInsert(ast::detail::recordIn<ast::InsertStatement>(statement), statement, outer);
-  } else if (ast::nodeIs<ast::DeleteStatement>(statement)) {
+  } else if (ast::detail::holds<ast::DeleteStatement>(statement)) {
     checkDelete(ast::detail::recordIn<ast::DeleteStatement>(statement), statement, outer);
   } else {
     checkQuery(statement, outer);
@@ -496,19 +496,19 @@ StandardAnalysis::Columns StandardAnalysis::checkQuery(const ast::Node& query, c
 }
 
 StandardAnalysis::Columns StandardAnalysis::checkQueryHere(const ast::Node& query, const LevelScope* outer) {
-  if (ast::nodeIs<ast::QuerySpecification>(query)) {
+  if (ast::detail::holds<ast::QuerySpecification>(query)) {
     return checkSpecification(ast::detail::recordIn<ast::QuerySpecification>(query), outer);
   }
-  if (ast::nodeIs<ast::QueryOperation>(query)) {
+  if (ast::detail::holds<ast::QueryOperation>(query)) {
     return checkOperation(ast::detail::recordIn<ast::QueryOperation>(query), query, outer);
   }
-  if (ast::nodeIs<ast::RowValueExpressionList>(query)) {
+  if (ast::detail::holds<ast::RowValueExpressionList>(query)) {
     return checkValues(ast::detail::recordIn<ast::RowValueExpressionList>(query), outer);
   }
-  if (ast::nodeIs<ast::ExplicitTable>(query)) {
+  if (ast::detail::holds<ast::ExplicitTable>(query)) {
     return checkExplicitTable(ast::detail::recordIn<ast::ExplicitTable>(query), query);
   }
-  if (ast::nodeIs<ast::DerivedTable>(query)) {
+  if (ast::detail::holds<ast::DerivedTable>(query)) {
     return checkQuery(ast::detail::recordIn<ast::DerivedTable>(query).query, outer);
   }
   return {};
@@ -518,7 +518,7 @@ StandardAnalysis::Columns StandardAnalysis::checkQueryHere(const ast::Node& quer
 // FROM.
 
 std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node& reference, LevelScope& level) {
-  if (ast::nodeIs<ast::TablePrimary>(reference)) {
+  if (ast::detail::holds<ast::TablePrimary>(reference)) {
     const auto& primary = ast::detail::recordIn<ast::TablePrimary>(reference);
     const std::wstring& name = primary.alias.empty() ? primary.table : primary.alias;
     level.m_names.push_back({normalized(name), name, reference, nullptr});
@@ -535,7 +535,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
     if (mObserver) mObserver->declared(reference, level);
     return scope;
   }
-  if (ast::nodeIs<ast::DerivedTable>(reference)) {
+  if (ast::detail::holds<ast::DerivedTable>(reference)) {
     const auto& derived = ast::detail::recordIn<ast::DerivedTable>(reference);
     // A derived table sees the levels around its query, not the tables beside it.
     Columns columns = checkQuery(derived.query, level.m_parent);
@@ -548,7 +548,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
     if (mObserver) mObserver->declared(reference, level);
     return scope;
   }
-  if (ast::nodeIs<ast::JoinNode>(reference)) {
+  if (ast::detail::holds<ast::JoinNode>(reference)) {
     const auto& join = ast::detail::recordIn<ast::JoinNode>(reference);
     const std::size_t firstName = level.m_names.size();
     std::shared_ptr<ColumnInfoScope> left = fromReference(join.left, level);
@@ -558,7 +558,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
       return left ? left : right;
     }
     std::vector<std::wstring> shared;
-    if (ast::nodeIs<ast::NamedColumnsJoin>(join.specification)) {
+    if (ast::detail::holds<ast::NamedColumnsJoin>(join.specification)) {
       for (const std::wstring& column : ast::detail::recordIn<ast::NamedColumnsJoin>(join.specification).columns) {
         part([&] {
           if (left->columnInfo({}, column).isNull() || right->columnInfo({}, column).isNull()) {
@@ -579,7 +579,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
     } else {
       scope = std::make_shared<CoalescedScope>(left, right, std::move(shared));
     }
-    if (ast::nodeIs<ast::JoinCondition>(join.specification)) {
+    if (ast::detail::holds<ast::JoinCondition>(join.specification)) {
       // ON sees the two sides of its join and the levels around the query.
       LevelScope on(level.m_parent);
       on.m_local = scope;
@@ -605,7 +605,7 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
 // Queries.
 
 void StandardAnalysis::selectItem(const ast::Node& item, LevelScope& level, std::int32_t& counter, Columns& result) {
-  if (ast::nodeIs<ast::QualifiedAsterisk>(item)) {
+  if (ast::detail::holds<ast::QualifiedAsterisk>(item)) {
     const std::wstring& table = ast::detail::recordIn<ast::QualifiedAsterisk>(item).table;
     part([&] {
       const AsteriskColumns pairs = level.columnsForAsterisk(table);
@@ -624,9 +624,9 @@ void StandardAnalysis::selectItem(const ast::Node& item, LevelScope& level, std:
     });
     return;
   }
-  if (!ast::nodeIs<ast::DerivedColumn>(item)) return;
+  if (!ast::detail::holds<ast::DerivedColumn>(item)) return;
   const auto& derived = ast::detail::recordIn<ast::DerivedColumn>(item);
-  const bool reference = ast::nodeIs<ast::ColumnReference>(derived.expression);
+  const bool reference = ast::detail::holds<ast::ColumnReference>(derived.expression);
   std::wstring name = derived.alias;
   // The counter moves for every unnamed calculated item, typed or not, so names stay stable.
   if (name.empty() && !reference) name = L"column_" + std::to_wstring(counter++);
@@ -783,7 +783,7 @@ void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const
   std::vector<const ast::Node*> checked;
   checked.reserve(query.selectList.size() + 1 + query.orderBy.size());
   for (const ast::Node& item : query.selectList) {
-    if (ast::nodeIs<ast::DerivedColumn>(item)) checked.push_back(&ast::detail::recordIn<ast::DerivedColumn>(item).expression);
+    if (ast::detail::holds<ast::DerivedColumn>(item)) checked.push_back(&ast::detail::recordIn<ast::DerivedColumn>(item).expression);
   }
   if (!query.having.isNull()) checked.push_back(&query.having);
   const std::size_t orderFrom = checked.size();
@@ -802,20 +802,20 @@ void StandardAnalysis::checkGrouping(const ast::QuerySpecification& query, const
   // in GROUP BY stands for.
   std::vector<ast::Node> keys(query.groupBy.begin(), query.groupBy.end());
   for (const ast::ExpressionNode& key : query.groupBy) {
-    if (ast::nodeIs<ast::Number>(key)) {
+    if (ast::detail::holds<ast::Number>(key)) {
       const auto& number = ast::detail::recordIn<ast::Number>(key);
       if (number.kind == ast::NumberKind::Integer) {
         const std::uint64_t position = number.unsignedInteger();
         if (position >= 1 && position <= query.selectList.size()) {
           const ast::Node& item = query.selectList[position - 1];
-          if (ast::nodeIs<ast::DerivedColumn>(item)) keys.push_back(ast::detail::recordIn<ast::DerivedColumn>(item).expression);
+          if (ast::detail::holds<ast::DerivedColumn>(item)) keys.push_back(ast::detail::recordIn<ast::DerivedColumn>(item).expression);
         }
       }
-    } else if (ast::nodeIs<ast::ColumnReference>(key)) {
+    } else if (ast::detail::holds<ast::ColumnReference>(key)) {
       const auto& reference = ast::detail::recordIn<ast::ColumnReference>(key);
       if (!reference.table.empty()) continue;
       for (const ast::Node& item : query.selectList) {
-        if (!ast::nodeIs<ast::DerivedColumn>(item)) continue;
+        if (!ast::detail::holds<ast::DerivedColumn>(item)) continue;
         const auto& derived = ast::detail::recordIn<ast::DerivedColumn>(item);
         if (!derived.alias.empty() && sameNames(derived.alias, reference.column)) {
           keys.push_back(derived.expression);
@@ -859,7 +859,7 @@ bool StandardAnalysis::assignable(const std::shared_ptr<Type>& target, const std
   const PlainType from = source->plainType();
   if (to == from || from == PlainType::Contextual || to == PlainType::Contextual) return true;
   // NULL reads as a Boolean, and a string literal as whatever its column takes.
-  if (value && (isNullLiteral(*value) || ast::nodeIs<ast::String>(*value))) return true;
+  if (value && (isNullLiteral(*value) || ast::detail::holds<ast::String>(*value))) return true;
   if (mGlobal.canConvert(from, to)) return true;
   // Assignment converts within a family (a decimal literal into an integer column), and any
   // number, date or truth value into a character column.
@@ -929,10 +929,10 @@ void StandardAnalysis::checkInsert(const ast::InsertStatement& insert, const ast
   const ast::Node& source = insert.source.source;
   if (source.isNull()) return; // DEFAULT VALUES
   LevelScope level(outer);
-  if (ast::nodeIs<ast::RowValueExpressionList>(source)) {
+  if (ast::detail::holds<ast::RowValueExpressionList>(source)) {
     for (const ast::ExpressionNode& row : ast::detail::recordIn<ast::RowValueExpressionList>(source).rows) {
       std::vector<ast::ExpressionNode> values;
-      if (ast::nodeIs<ast::RowValueExpression>(row)) values = ast::detail::recordIn<ast::RowValueExpression>(row).values;
+      if (ast::detail::holds<ast::RowValueExpression>(row)) values = ast::detail::recordIn<ast::RowValueExpression>(row).values;
       else values.push_back(row);
       if (targetsKnown && values.size() != targets.size()) {
         fault(ColumnCountMismatch(targets.size(), values.size()), &row);

@@ -5,6 +5,7 @@
 #include <velmor/sql/inference/StringTypeInferer.h>
 #include <velmor/sql/errors/SemanticErrors.h>
 
+#include "ast/RecordOf.h"
 #include "inference/Resolutions.h"
 #include "inference/StandardAnalysis.h"
 #include "types/OverloadRules.h"
@@ -19,7 +20,7 @@ using type::PlainType;
 namespace {
 
 bool isQuery(const ast::Node& node) {
-  return ast::nodeIs<ast::QuerySpecification>(node) || ast::nodeIs<ast::QueryOperation>(node);
+  return ast::detail::holds<ast::QuerySpecification>(node) || ast::detail::holds<ast::QueryOperation>(node);
 }
 
 // Where a query stands for its rows rather than for one value.

@@ -4,6 +4,8 @@
 
 #include <velmor/sql/inference/StringTypeInferer.h>
 
+#include "ast/RecordOf.h"
+
 namespace velmor::sql {
 
 // ---------------------------------------------------------------------------------------------
@@ -158,7 +160,7 @@ AggregateQueryDetector::AggregateQueryDetector(const GlobalTypeContext& globalCo
     : mGlobalContext(globalContext) {}
 
 bool AggregateQueryDetector::isAggregate(const ast::Node& node) {
-  mSkipQueries = !ast::nodeIs<ast::QuerySpecification>(node);
+  mSkipQueries = !ast::detail::holds<ast::QuerySpecification>(node);
   visitAllNodes(node);
   return mResult;
 }

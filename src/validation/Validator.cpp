@@ -44,10 +44,10 @@ private:
 };
 
 bool isStatement(const ast::Node& node) {
-  return ast::nodeIs<ast::QuerySpecification>(node) || ast::nodeIs<ast::UpdateStatement>(node) ||
-         ast::nodeIs<ast::QueryOperation>(node) || ast::nodeIs<ast::RowValueExpressionList>(node) ||
-         ast::nodeIs<ast::InsertStatement>(node) || ast::nodeIs<ast::DeleteStatement>(node) ||
-         ast::nodeIs<ast::ExplicitTable>(node);
+  return ast::detail::holds<ast::QuerySpecification>(node) || ast::detail::holds<ast::UpdateStatement>(node) ||
+         ast::detail::holds<ast::QueryOperation>(node) || ast::detail::holds<ast::RowValueExpressionList>(node) ||
+         ast::detail::holds<ast::InsertStatement>(node) || ast::detail::holds<ast::DeleteStatement>(node) ||
+         ast::detail::holds<ast::ExplicitTable>(node);
 }
 
 } // namespace
@@ -55,12 +55,12 @@ bool isStatement(const ast::Node& node) {
 bool Validator::validateStatement(const ast::Node& statement) {
   if (statement.isNull() || !isStatement(statement)) return false;
   if (mScoping == Scoping::Compatible) {
-    if (ast::nodeIs<ast::QuerySpecification>(statement)) {
+    if (ast::detail::holds<ast::QuerySpecification>(statement)) {
       const std::size_t before = mErrors.size();
       validate(ast::detail::recordIn<ast::QuerySpecification>(statement));
       return mErrors.size() == before;
     }
-    if (ast::nodeIs<ast::UpdateStatement>(statement)) return validate(ast::detail::recordIn<ast::UpdateStatement>(statement));
+    if (ast::detail::holds<ast::UpdateStatement>(statement)) return validate(ast::detail::recordIn<ast::UpdateStatement>(statement));
   }
   return validateStandard(statement);
 }
@@ -76,7 +76,7 @@ bool Validator::validateStandard(const ast::Node& statement) {
     // The walk finds nothing but a CAST: when typing went through the whole statement and met
     // none, it is spared.
     const bool mayHoldCasts = detail::typingMarks().casts != castsBefore || analysis.cuts() != 0;
-    if (mayHoldCasts && ast::nodeIs<ast::QuerySpecification>(statement) &&
+    if (mayHoldCasts && ast::detail::holds<ast::QuerySpecification>(statement) &&
         ContextCheckVisitor(mGlobalContext).isContext(ast::detail::recordIn<ast::QuerySpecification>(statement))) {
       mErrors.push_back(std::make_shared<ContextQuery>());
       detail::noteMarkedFault(*mErrors.back());

@@ -1,5 +1,6 @@
 // Handles and their two null forms, one-kind access, Operation, isEqual, the fault message, names.
 #include "TreeTestSupport.h"
+#include "ast/RecordOf.h"
 
 #include <velmor/sql/Assert.h>
 
@@ -9,6 +10,7 @@
 #include <iostream>
 #include <sstream>
 #include <tuple>
+#include <type_traits>
 #include <typeinfo>
 
 namespace velmor::sql::ast::test {
@@ -83,6 +85,46 @@ TEST(Node, OneKindAccess) {
 }
 
 class Silent final : public NodeVisitor {};
+
+// A node class of a host's own, holding a number.
+class HostNumber final : public NodeInterface {
+public:
+  bool isNull() const override { return false; }
+  void accept(NodeVisitor& visitor) const override { visitor.visit(mValue); }
+  bool isExpression() const override { return true; }
+  Number mValue{NumberKind::Integer, L"5"};
+};
+
+template <class T>
+void expectKindAnswersAgree(const Node& node) {
+  if constexpr (!std::is_same_v<T, Range>) {
+    SCOPED_TRACE(typeid(T).name());
+    const bool is = nodeIs<T>(node);
+    EXPECT_EQ(detail::holds<T>(node), is);
+    EXPECT_EQ(detail::recordOf<T>(node) != nullptr, is);
+  }
+}
+
+TEST(Node, InternalKindChecksAnswerAsNodeIsDoes) {
+  // The library's own nodes are told by their class, a host's by a visit: both as nodeIs says,
+  // for every kind asked of every kind of node, the EmptyNode form and a host's node.
+  std::vector<Node> nodes = {makeEmptyNode(), Node(std::make_shared<HostNumber>())};
+#define VELMOR_SQL_RECORD(Name, isExpr) \
+  if constexpr (!std::is_same_v<Name, Range>) nodes.push_back(makeNode(Name{}));
+#include <velmor/sql/ast/Records.def>
+  for (const Node& node : nodes) {
+    SCOPED_TRACE(typeid(*node.mImpl).name());
+#define VELMOR_SQL_RECORD(Name, isExpr) expectKindAnswersAgree<Name>(node);
+#include <velmor/sql/ast/Records.def>
+  }
+  // The host's node gives its own record; an empty handle throws as nodeIs does.
+  const Node host(std::make_shared<HostNumber>());
+  EXPECT_EQ(detail::recordOf<Number>(host)->text, L"5");
+  EXPECT_EQ(detail::recordOf<Number>(Node()), nullptr);
+  EXPECT_THROW(detail::holds<Number>(Node()), NullNodeException);
+  const Node number = num(L"7");
+  EXPECT_EQ(&detail::recordIn<Number>(number), &static_cast<const NodeImpl<Number>&>(*number.mImpl).value());
+}
 
 TEST(NodeVisitor, FaultActionNamesTheDynamicVisitorClass) {
   std::ostringstream captured;
