@@ -38,16 +38,16 @@ const T* recordOf(const Node& node) {
   return finder.found;
 }
 
-/// nodeIs<T>, answered for the library's own nodes without a visit. An empty handle throws
-/// NullNodeException, as nodeIs does.
-template <class T>
+/// Whether nodeIs<T> holds for any of the kinds T, answered for the library's own nodes
+/// without a visit. An empty handle throws NullNodeException, as nodeIs does.
+template <class... T>
 bool holds(const Node& node) {
   if (const NodeInterface* impl = node.mImpl.get()) {
     const char* name = typeid(*impl).name();
-    if (name == typeid(NodeImpl<T>).name()) return true;
+    if (((name == typeid(NodeImpl<T>).name()) || ...)) return true;
     if (isLibraryNodeName(name)) return false;
   }
-  return nodeIs<T>(node);
+  return (nodeIs<T>(node) || ...);
 }
 
 /// The record of a node known to hold a T (nodeIs<T> said so).

@@ -20,7 +20,7 @@ using type::PlainType;
 namespace {
 
 bool isQuery(const ast::Node& node) {
-  return ast::detail::holds<ast::QuerySpecification>(node) || ast::detail::holds<ast::QueryOperation>(node);
+  return ast::detail::holds<ast::QuerySpecification, ast::QueryOperation>(node);
 }
 
 // Where a query stands for its rows rather than for one value.

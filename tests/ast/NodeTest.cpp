@@ -116,6 +116,8 @@ TEST(Node, InternalKindChecksAnswerAsNodeIsDoes) {
     SCOPED_TRACE(typeid(*node.mImpl).name());
 #define VELMOR_SQL_RECORD(Name, isExpr) expectKindAnswersAgree<Name>(node);
 #include <velmor/sql/ast/Records.def>
+    EXPECT_EQ((detail::holds<QuerySpecification, QueryOperation>(node)),
+              nodeIs<QuerySpecification>(node) || nodeIs<QueryOperation>(node));
   }
   // The host's node gives its own record; an empty handle throws as nodeIs does.
   const Node host(std::make_shared<HostNumber>());
