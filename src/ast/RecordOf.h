@@ -5,6 +5,9 @@
 #include <velmor/sql/ast/AST.h>
 #include <velmor/sql/ast/Traversal.h>
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <typeinfo>
 
 namespace velmor::sql::ast::detail {
@@ -18,10 +21,24 @@ public:
   const T* found = nullptr;
 };
 
-/// Whether `typeName` is the type name of one of the library's own node classes (NodeImpl of
-/// a record kind or of EmptyNode), compared by address: a name of another copy of the same
-/// string is not recognised, and the callers then ask the node the slow way.
-bool isLibraryNodeName(const char* typeName) noexcept;
+/// The type names of the library's own node classes (NodeImpl of each record kind and of
+/// EmptyNode) by their addresses, in an open-addressed table: a name of another copy of the same
+/// string is not found, and the callers then ask the node the slow way.
+inline constexpr unsigned kLibraryNodeSlotBits = 7;
+using LibraryNodeNames = std::array<const char*, std::size_t{1} << kLibraryNodeSlotBits>;
+extern const LibraryNodeNames libraryNodeNames;
+
+inline std::size_t libraryNodeSlot(const char* typeName) noexcept {
+  const auto address = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(typeName));
+  return static_cast<std::size_t>((address * 0x9E3779B97F4A7C15u) >> (64 - kLibraryNodeSlotBits));
+}
+
+inline bool isLibraryNodeName(const char* typeName) noexcept {
+  for (std::size_t slot = libraryNodeSlot(typeName);; slot = (slot + 1) % libraryNodeNames.size()) {
+    if (libraryNodeNames[slot] == typeName) return true;
+    if (!libraryNodeNames[slot]) return false;
+  }
+}
 
 /// The record of `node` when it holds a T, else null; valid while the node lives. The library's
 /// own nodes are told apart by their dynamic type, without a visit (three indirect calls).

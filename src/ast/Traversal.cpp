@@ -205,35 +205,23 @@ const char* nodeTypeName() {
 
 } // namespace
 
-bool isLibraryNodeName(const char* typeName) noexcept {
-  // The names' addresses in a small open-addressed table: a look-up is a multiplication and,
-  // nearly always, one comparison.
-  constexpr unsigned bits = 7;
-  const auto slotOf = [](const char* name) {
-    return static_cast<std::size_t>((static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(name)) *
-                                     0x9E3779B97F4A7C15u) >> (64 - bits));
-  };
-  using Slots = std::array<const char*, std::size_t{1} << bits>;
-  static const Slots slots = [&slotOf] {
-    const auto names = std::array{
-        typeid(NodeImpl<EmptyNode>).name(),
+// Filled when the library is loaded. Before that (another library's static initialisers) it is
+// empty, and the one-kind checks that read it ask every node the slow way, with the same answers.
+const LibraryNodeNames libraryNodeNames = [] {
+  const auto names = std::array{
+      typeid(NodeImpl<EmptyNode>).name(),
 #define VELMOR_SQL_RECORD(Name, isExpr) nodeTypeName<Name>(),
 #include <velmor/sql/ast/Records.def>
-    };
-    Slots table{};
-    for (const char* name : names) {
-      if (!name) continue;
-      std::size_t slot = slotOf(name);
-      while (table[slot] && table[slot] != name) slot = (slot + 1) % table.size();
-      table[slot] = name;
-    }
-    return table;
-  }();
-  for (std::size_t slot = slotOf(typeName);; slot = (slot + 1) % slots.size()) {
-    if (slots[slot] == typeName) return true;
-    if (!slots[slot]) return false;
+  };
+  LibraryNodeNames table{};
+  for (const char* name : names) {
+    if (!name) continue;
+    std::size_t slot = libraryNodeSlot(name);
+    while (table[slot] && table[slot] != name) slot = (slot + 1) % table.size();
+    table[slot] = name;
   }
-}
+  return table;
+}();
 
 } // namespace detail
 } // namespace velmor::sql::ast
