@@ -21,23 +21,36 @@ public:
   const T* found = nullptr;
 };
 
-/// The type names of the library's own node classes (NodeImpl of each record kind and of
-/// EmptyNode) by their addresses, in an open-addressed table: a name of another copy of the same
-/// string is not found, and the callers then ask the node the slow way.
+/// The library's own node classes (NodeImpl of each record kind and of EmptyNode) by the
+/// addresses of their type_info objects, in an open-addressed table. A class whose type_info
+/// has another copy in the process is not found, and the callers then ask the node the slow
+/// way, which answers the same.
 inline constexpr unsigned kLibraryNodeSlotBits = 7;
-using LibraryNodeNames = std::array<const char*, std::size_t{1} << kLibraryNodeSlotBits>;
-extern const LibraryNodeNames libraryNodeNames;
+using LibraryNodeKinds = std::array<const std::type_info*, std::size_t{1} << kLibraryNodeSlotBits>;
+extern const LibraryNodeKinds libraryNodeKinds;
 
-inline std::size_t libraryNodeSlot(const char* typeName) noexcept {
-  const auto address = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(typeName));
+inline std::size_t libraryNodeSlot(const std::type_info* kind) noexcept {
+  const auto address = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(kind));
   return static_cast<std::size_t>((address * 0x9E3779B97F4A7C15u) >> (64 - kLibraryNodeSlotBits));
 }
 
-inline bool isLibraryNodeName(const char* typeName) noexcept {
-  for (std::size_t slot = libraryNodeSlot(typeName);; slot = (slot + 1) % libraryNodeNames.size()) {
-    if (libraryNodeNames[slot] == typeName) return true;
-    if (!libraryNodeNames[slot]) return false;
+inline bool isLibraryNodeKind(const std::type_info* kind) noexcept {
+  for (std::size_t slot = libraryNodeSlot(kind);; slot = (slot + 1) % libraryNodeKinds.size()) {
+    if (libraryNodeKinds[slot] == kind) return true;
+    if (!libraryNodeKinds[slot]) return false;
   }
+}
+
+// The answers for a node class of a host's own, through a visit.
+template <class T>
+[[gnu::noinline]] const T* visitedRecordOf(const NodeInterface& impl) {
+  RecordFinder<T> finder;
+  impl.accept(finder);
+  return finder.found;
+}
+template <class... T>
+[[gnu::noinline]] bool visitedHolds(const Node& node) {
+  return (nodeIs<T>(node) || ...);
 }
 
 /// The record of `node` when it holds a T, else null; valid while the node lives. The library's
@@ -46,13 +59,10 @@ template <class T>
 const T* recordOf(const Node& node) {
   const NodeInterface* impl = node.mImpl.get();
   if (!impl) return nullptr;
-  const char* name = typeid(*impl).name();
-  if (name == typeid(NodeImpl<T>).name()) return &static_cast<const NodeImpl<T>*>(impl)->value();
-  if (isLibraryNodeName(name)) return nullptr;
-  // A node class of the host's own.
-  RecordFinder<T> finder;
-  impl->accept(finder);
-  return finder.found;
+  const std::type_info* kind = &typeid(*impl);
+  if (kind == &typeid(NodeImpl<T>)) return &static_cast<const NodeImpl<T>*>(impl)->value();
+  if (isLibraryNodeKind(kind)) return nullptr;
+  return visitedRecordOf<T>(*impl);
 }
 
 /// Whether nodeIs<T> holds for any of the kinds T, answered for the library's own nodes
@@ -60,11 +70,11 @@ const T* recordOf(const Node& node) {
 template <class... T>
 bool holds(const Node& node) {
   if (const NodeInterface* impl = node.mImpl.get()) {
-    const char* name = typeid(*impl).name();
-    if (((name == typeid(NodeImpl<T>).name()) || ...)) return true;
-    if (isLibraryNodeName(name)) return false;
+    const std::type_info* kind = &typeid(*impl);
+    if (((kind == &typeid(NodeImpl<T>)) || ...)) return true;
+    if (isLibraryNodeKind(kind)) return false;
   }
-  return (nodeIs<T>(node) || ...);
+  return visitedHolds<T...>(node);
 }
 
 /// The record of a node known to hold a T (nodeIs<T> said so).

@@ -195,11 +195,11 @@ namespace detail {
 namespace {
 
 template <class T>
-const char* nodeTypeName() {
+const std::type_info* nodeKind() {
   if constexpr (std::is_same_v<T, Range>) {
     return nullptr;  // a visitor slot without a node class
   } else {
-    return typeid(NodeImpl<T>).name();
+    return &typeid(NodeImpl<T>);
   }
 }
 
@@ -207,18 +207,18 @@ const char* nodeTypeName() {
 
 // Filled when the library is loaded. Before that (another library's static initialisers) it is
 // empty, and the one-kind checks that read it ask every node the slow way, with the same answers.
-const LibraryNodeNames libraryNodeNames = [] {
-  const auto names = std::array{
-      typeid(NodeImpl<EmptyNode>).name(),
-#define VELMOR_SQL_RECORD(Name, isExpr) nodeTypeName<Name>(),
+const LibraryNodeKinds libraryNodeKinds = [] {
+  const auto kinds = std::array{
+      nodeKind<EmptyNode>(),
+#define VELMOR_SQL_RECORD(Name, isExpr) nodeKind<Name>(),
 #include <velmor/sql/ast/Records.def>
   };
-  LibraryNodeNames table{};
-  for (const char* name : names) {
-    if (!name) continue;
-    std::size_t slot = libraryNodeSlot(name);
-    while (table[slot] && table[slot] != name) slot = (slot + 1) % table.size();
-    table[slot] = name;
+  LibraryNodeKinds table{};
+  for (const std::type_info* kind : kinds) {
+    if (!kind) continue;
+    std::size_t slot = libraryNodeSlot(kind);
+    while (table[slot] && table[slot] != kind) slot = (slot + 1) % table.size();
+    table[slot] = kind;
   }
   return table;
 }();

@@ -181,12 +181,7 @@ void TypeInferer::setQueryAnalysis(QueryAnalysis* analysis) noexcept {
   mAnalysis = analysis;
 }
 
-TypeInferer TypeInferer::part() const {
-  TypeInferer inferer(mGlobalContext, mScopeContext);
-  inferer.mAnalysis = mAnalysis;
-  inferer.mResolutions = mResolutions;
-  return inferer;
-}
+TypeInferer TypeInferer::part() const { return TypeInferer(*this, PartOf{}); }
 
 std::shared_ptr<Type> TypeInferer::typeOfPart(const ast::Node& node) const {
   if (mAnalysis && isQuery(node)) return scalarQueryType(node);

@@ -197,7 +197,11 @@ protected:
   std::shared_ptr<Type> mFaultType;
 
 private:
-  // An inferer for one part, with this one's scoping.
+  struct PartOf {};
+  // An inferer for one part, with this one's scoping and memo (no look-up of the thread's).
+  TypeInferer(const TypeInferer& whole, PartOf) noexcept
+      : mGlobalContext(whole.mGlobalContext), mScopeContext(whole.mScopeContext), mAnalysis(whole.mAnalysis),
+        mResolutions(whole.mResolutions) {}
   TypeInferer part() const;
   std::shared_ptr<Type> typeOfPart(const ast::Node& node) const;
   // Standard scoping: the row type of a query in an expression (one column, or a TupleType).
