@@ -44,10 +44,9 @@ private:
 };
 
 bool isStatement(const ast::Node& node) {
-  return ast::detail::holds<ast::QuerySpecification>(node) || ast::detail::holds<ast::UpdateStatement>(node) ||
-         ast::detail::holds<ast::QueryOperation>(node) || ast::detail::holds<ast::RowValueExpressionList>(node) ||
-         ast::detail::holds<ast::InsertStatement>(node) || ast::detail::holds<ast::DeleteStatement>(node) ||
-         ast::detail::holds<ast::ExplicitTable>(node);
+  return ast::detail::holds<ast::QuerySpecification, ast::UpdateStatement, ast::QueryOperation,
+                            ast::RowValueExpressionList, ast::InsertStatement, ast::DeleteStatement,
+                            ast::ExplicitTable>(node);
 }
 
 } // namespace
