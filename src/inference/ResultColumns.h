@@ -10,7 +10,8 @@ namespace velmor::sql::detail {
 /// Neither column orders before the other: the same original table and the same names. Copies
 /// of one column share their names, which settles most comparisons at once.
 inline bool sameColumn(const ColumnInfo& a, const ColumnInfo& b) {
-  return &a.names() == &b.names() || (a.originalTable() == b.originalTable() && a.names() == b.names());
+  // Names first: the columns of one list mostly share their table and differ by name.
+  return &a.names() == &b.names() || (a.names() == b.names() && a.originalTable() == b.originalTable());
 }
 
 /// The columns of a select list in order, each repeat of an equal column renamed from its

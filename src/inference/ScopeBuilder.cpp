@@ -6,6 +6,7 @@
 #include <velmor/sql/errors/SemanticErrors.h>
 
 #include "ast/RecordOf.h"
+#include "common/Decimal.h"
 #include "inference/ResultColumns.h"
 #include "inference/Resolutions.h"
 #include "inference/StandardAnalysis.h"
@@ -55,7 +56,10 @@ public:
       TypeInferer inferer(m_global, m_scope ? static_cast<const ScopeTypeContext&>(*m_scope) : noColumns);
       std::shared_ptr<Type> type = inferer.inferType(record.expression);
       std::wstring name = record.alias;
-      if (name.empty()) name = L"column_" + std::to_wstring((*m_columnNumber)++);
+      if (name.empty()) {
+        name = L"column_";
+        detail::appendDecimal(name, (*m_columnNumber)++);
+      }
       mResult.push_back(ColumnInfo::calculatedColumn(std::move(name), std::move(type)));
     } else if (!record.alias.empty()) {
       mResult.back() = mResult.back().rename(record.alias);
@@ -177,7 +181,9 @@ std::vector<ColumnInfo> nameResultColumns(std::vector<ColumnInfo> raw) {
       // A new name always grows from originalName, never from an alias: x, x1, x2.
       int& k = nextSuffix.try_emplace({column.originalTable(), column.originalName()}, 1).first->second;
       do {
-        column = column.rename(column.originalName() + std::to_wstring(k++));
+        std::wstring name = column.originalName();
+        appendDecimal(name, k++);
+        column = column.rename(std::move(name));
       } while (!take(column));
     }
     keep(kept);

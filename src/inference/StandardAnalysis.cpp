@@ -6,6 +6,7 @@
 #include <velmor/sql/types/Strings.h>
 
 #include "ast/RecordOf.h"
+#include "common/Decimal.h"
 #include "common/DeepStack.h"
 #include "common/SmallStack.h"
 #include "inference/Resolutions.h"
@@ -604,6 +605,19 @@ std::shared_ptr<ColumnInfoScope> StandardAnalysis::fromReference(const ast::Node
 // ---------------------------------------------------------------------------------------------
 // Queries.
 
+namespace {
+// The column a reference names, or the null column when finding it fails.
+ColumnInfo columnQuietly(const LevelScope& level, const ast::ColumnReference& column) {
+  try {
+    return level.columnInfo(column.table, column.column);
+  } catch (const SqlError&) {
+    return {};
+  } catch (const FaultReported&) {
+    return {};
+  }
+}
+} // namespace
+
 void StandardAnalysis::selectItem(const ast::Node& item, LevelScope& level, std::int32_t& counter, Columns& result) {
   if (ast::detail::holds<ast::QualifiedAsterisk>(item)) {
     const std::wstring& table = ast::detail::recordIn<ast::QualifiedAsterisk>(item).table;
@@ -629,17 +643,25 @@ void StandardAnalysis::selectItem(const ast::Node& item, LevelScope& level, std:
   const bool reference = ast::detail::holds<ast::ColumnReference>(derived.expression);
   std::wstring name = derived.alias;
   // The counter moves for every unnamed calculated item, typed or not, so names stay stable.
-  if (name.empty() && !reference) name = L"column_" + std::to_wstring(counter++);
+  if (name.empty() && !reference) {
+    name = L"column_";
+    appendDecimal(name, counter++);
+  }
   bool typed = false;
   part([&] {
-    std::shared_ptr<Type> type = typeIn(level, derived.expression);
     if (reference) {
       const auto& column = ast::detail::recordIn<ast::ColumnReference>(derived.expression);
-      ColumnInfo found = level.columnInfo(column.table, column.column);
+      // Typing a bare reference is finding its column, so a column found is kept as its type.
+      // Anything else (no column, a fault, a watcher) is left to typing, which says where.
+      ColumnInfo found = mObserver ? ColumnInfo() : columnQuietly(level, column);
+      if (found.isNull()) {
+        typeIn(level, derived.expression);
+        found = level.columnInfo(column.table, column.column);
+      }
       if (!derived.alias.empty()) found = found.rename(derived.alias);
       result.columns.push_back(std::move(found));
     } else {
-      result.columns.push_back(ColumnInfo::calculatedColumn(name, std::move(type)));
+      result.columns.push_back(ColumnInfo::calculatedColumn(name, typeIn(level, derived.expression)));
     }
     typed = true;
   });
@@ -738,7 +760,9 @@ StandardAnalysis::Columns StandardAnalysis::checkValues(const ast::RowValueExpre
     if (!width) {
       width = fields.size();
       for (std::size_t i = 0; i < fields.size(); ++i) {
-        result.columns.push_back(ColumnInfo::calculatedColumn(L"column_" + std::to_wstring(i + 1), fields[i]));
+        std::wstring name = L"column_";
+        appendDecimal(name, static_cast<std::int64_t>(i + 1));
+        result.columns.push_back(ColumnInfo::calculatedColumn(std::move(name), fields[i]));
       }
     } else if (*width != fields.size()) {
       fault(ColumnCountMismatch(*width, fields.size()), &row);
