@@ -116,7 +116,13 @@ std::size_t ASTStringValue::toStringLength() const noexcept {
   std::size_t count = 0;
   const std::size_t length = m_value.length();
   for (std::size_t i = 0; i < length; ++i) {
-    switch (m_value[i]) {
+    const wchar_t unit = m_value[i];
+    // Nearly every unit stands for itself; a few controls, '"' and '\\' are written escaped.
+    if (unit > L'"' && unit != L'\\') {
+      ++count;
+      continue;
+    }
+    switch (unit) {
     case 0:
     case 8:
     case 9:

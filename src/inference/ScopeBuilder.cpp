@@ -13,9 +13,9 @@
 #include "types/ColumnOrder.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string_view>
-#include <unordered_map>
 #include <string>
 #include <utility>
 
@@ -147,11 +147,21 @@ namespace detail {
 
 std::vector<ColumnInfo> nameResultColumns(std::vector<ColumnInfo> raw) {
   // Renamed in place: the columns before the one at hand are exactly those kept so far. A short
-  // select list (nearly all) is searched in place; a long one by first name, as equal columns
-  // have equal names: only columns of one first name are compared.
+  // select list (nearly all) is searched in place; a long one through slots by the hash of the
+  // first name, as equal columns have equal names: they meet in one run of taken slots.
   constexpr std::size_t kShortList = 16;
   const bool shortList = raw.size() <= kShortList;
-  std::unordered_map<std::wstring_view, std::vector<std::size_t>> byName;
+  std::vector<std::size_t> slots; // a kept column's index + 1, 0 for a free slot; at most half full
+  std::size_t mask = 0;
+  if (!shortList) {
+    std::size_t size = 2 * kShortList;
+    while (size < 2 * raw.size()) size *= 2;
+    slots.assign(size, 0);
+    mask = size - 1;
+  }
+  const auto firstSlot = [&](const ColumnInfo& column) {
+    return std::hash<std::wstring_view>()(column.canonicalName()) & mask;
+  };
   std::size_t kept = 0;
   const auto take = [&](const ColumnInfo& column) {
     if (shortList) {
@@ -160,16 +170,16 @@ std::vector<ColumnInfo> nameResultColumns(std::vector<ColumnInfo> raw) {
       }
       return true;
     }
-    const auto found = byName.find(column.canonicalName());
-    if (found == byName.end()) return true;
-    for (const std::size_t i : found->second) {
-      if (sameColumn(raw[i], column)) return false;
+    for (std::size_t slot = firstSlot(column); slots[slot] != 0; slot = (slot + 1) & mask) {
+      if (sameColumn(raw[slots[slot] - 1], column)) return false;
     }
     return true;
   };
-  // A long list notes each column it keeps; the view lives in the column's own data.
   const auto keep = [&](std::size_t index) {
-    if (!shortList) byName[raw[index].canonicalName()].push_back(index);
+    if (shortList) return;
+    std::size_t slot = firstSlot(raw[index]);
+    while (slots[slot] != 0) slot = (slot + 1) & mask;
+    slots[slot] = index + 1;
   };
   // The renamed candidates of a column depend only on its original table and name. A suffix
   // once found taken stays taken (the kept list only grows), so the search for the next repeat

@@ -7,6 +7,7 @@
 #include <set>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace velmor::sql {
 
@@ -26,16 +27,24 @@ std::shared_ptr<const ColumnInfo::Private> makeData(std::vector<std::wstring> na
       std::move(names), std::move(type), std::move(originalName), std::move(originalTable)});
 }
 
+// A list of one name, the name moved in: a braced list would copy it.
+std::vector<std::wstring> oneName(std::wstring name) {
+  std::vector<std::wstring> names;
+  names.reserve(1);
+  names.push_back(std::move(name));
+  return names;
+}
+
 } // namespace
 
 ColumnInfo::ColumnInfo() : m_data(nullColumnData()) {}
 
 ColumnInfo::ColumnInfo(const std::wstring& name, std::shared_ptr<Type> type, std::wstring table)
-    : m_data(makeData({name}, std::move(type), name, std::move(table))) {}
+    : m_data(makeData(oneName(name), std::move(type), name, std::move(table))) {}
 
 ColumnInfo::ColumnInfo(std::wstring name, std::shared_ptr<Type> type, std::wstring originalName,
                        std::wstring originalTable)
-    : m_data(makeData({std::move(name)}, std::move(type), std::move(originalName),
+    : m_data(makeData(oneName(std::move(name)), std::move(type), std::move(originalName),
                       std::move(originalTable))) {}
 
 ColumnInfo::ColumnInfo(std::vector<std::wstring> names, std::shared_ptr<Type> type, std::wstring table)

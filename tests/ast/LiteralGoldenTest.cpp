@@ -6,6 +6,8 @@
 #include <velmor/sql/Assert.h>
 #include <velmor/sql/ast/AST.h>
 
+#include <gtest/gtest.h>
+
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -50,6 +52,23 @@ std::string literal(const std::string& input) {
 }
 
 const bool registered = (test::registerGolden("Literals", "ast/literals.golden", literal), true);
+
+// The measured length of a written value is what writing it gives: every ASCII unit alone,
+// before a wildcard, after a backslash, and units beyond ASCII.
+TEST(Literals, MeasuredLengthIsTheWrittenLength) {
+  std::vector<wchar_t> units;
+  for (wchar_t unit = 0; unit < 0x80; ++unit) units.push_back(unit);
+  for (const wchar_t unit : {0xA0, 0x2028, 0xD800, 0xFFFF}) units.push_back(unit);
+  for (const wchar_t unit : units) {
+    for (const std::wstring& around : {std::wstring(), std::wstring(L"%"), std::wstring(L"\\_")}) {
+      ASTStringValue value;
+      value.m_value = std::wstring(1, unit) + around;
+      EXPECT_EQ(value.toStringLength(), value.toString().size()) << static_cast<unsigned>(unit);
+      value.m_value = around + std::wstring(1, unit);
+      EXPECT_EQ(value.toStringLength(), value.toString().size()) << static_cast<unsigned>(unit);
+    }
+  }
+}
 
 } // namespace
 } // namespace velmor::sql
