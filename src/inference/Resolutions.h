@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 namespace velmor::sql::detail {
@@ -33,26 +32,33 @@ public:
   /// toPlainTypes skips them); null when none was. Makes no list: most questions were asked.
   std::shared_ptr<void> find(const GlobalTypeContext& global, const std::shared_ptr<void>& callee, int quantifier,
                              const std::vector<std::shared_ptr<Type>>& types) const {
+    if (mCount == 0) return nullptr;
     std::size_t h = seed(&global, callee.get(), quantifier);
     for (const auto& type : types) {
       if (type) h = h * 31 + static_cast<std::size_t>(type->plainType());
     }
-    const auto [first, last] = mChosen.equal_range(h);
-    for (auto at = first; at != last; ++at) {
-      const Chosen& chosen = at->second;
-      if (chosen.global == &global && chosen.callee == callee && chosen.quantifier == quantifier &&
+    // The slots lie side by side and keep each entry's hash: a question costs one look at a
+    // slot or a few, and the lists are compared only when the hashes agree.
+    for (std::size_t at = slotOf(h);; at = (at + 1) & mMask) {
+      const Chosen& chosen = mSlots[at];
+      if (!chosen.callee) return nullptr;
+      if (chosen.hash == h && chosen.global == &global && chosen.callee == callee && chosen.quantifier == quantifier &&
           samePlain(chosen.plain, types)) {
         return chosen.overload;
       }
     }
-    return nullptr;
   }
 
   void keep(const GlobalTypeContext& global, const std::shared_ptr<void>& callee, int quantifier,
             const std::vector<type::PlainType>& plain, std::shared_ptr<void> overload) {
+    if (!callee) return; // a free slot is one without a callee
+    if (2 * (mCount + 1) > mSlots.size()) grow();
+    const std::size_t h = hashOf(&global, callee.get(), quantifier, plain);
+    std::size_t at = slotOf(h);
+    while (mSlots[at].callee) at = (at + 1) & mMask;
     // The callee is held, so that its address stands for it for as long as the entry lives.
-    mChosen.emplace(hashOf(&global, callee.get(), quantifier, plain),
-                    Chosen{&global, callee, quantifier, plain, std::move(overload)});
+    mSlots[at] = Chosen{h, &global, callee, quantifier, plain, std::move(overload)};
+    ++mCount;
   }
 
 private:
@@ -66,6 +72,11 @@ private:
     for (const type::PlainType t : plain) h = h * 31 + static_cast<std::size_t>(t);
     return h;
   }
+  // The hash's low bits come from aligned addresses and small numbers: a multiply spreads the
+  // high ones down before a slot is chosen.
+  std::size_t slotOf(std::size_t h) const noexcept {
+    return static_cast<std::size_t>((static_cast<std::uint64_t>(h) * 0x9E3779B97F4A7C15ULL) >> 32) & mMask;
+  }
   static bool samePlain(const std::vector<type::PlainType>& plain, const std::vector<std::shared_ptr<Type>>& types) {
     std::size_t i = 0;
     for (const auto& type : types) {
@@ -76,17 +87,35 @@ private:
     return i == plain.size();
   }
   struct Chosen {
-    const void* global;
-    std::shared_ptr<void> callee;
-    int quantifier;
+    std::size_t hash = 0;
+    const void* global = nullptr;
+    std::shared_ptr<void> callee; // null for a free slot
+    int quantifier = 0;
     std::vector<type::PlainType> plain;
     std::shared_ptr<void> overload;
   };
-  std::unordered_multimap<std::size_t, Chosen> mChosen;
+  void grow() {
+    std::vector<Chosen> old = std::move(mSlots);
+    mSlots.assign(old.empty() ? 64 : 2 * old.size(), Chosen{});
+    mMask = mSlots.size() - 1;
+    for (Chosen& chosen : old) {
+      if (!chosen.callee) continue;
+      std::size_t at = slotOf(chosen.hash);
+      while (mSlots[at].callee) at = (at + 1) & mMask;
+      mSlots[at] = std::move(chosen);
+    }
+  }
+  std::vector<Chosen> mSlots; // a power of two, at most half taken; empty until the first entry
+  std::size_t mMask = 0;
+  std::size_t mCount = 0;
 
 public:
-  std::size_t size() const noexcept { return mChosen.size(); }
-  void clear() noexcept { mChosen.clear(); }
+  std::size_t size() const noexcept { return mCount; }
+  void clear() noexcept {
+    mSlots.clear();
+    mMask = 0;
+    mCount = 0;
+  }
 };
 
 /// The memo of the check running on this thread, or null. Set for the length of a check by

@@ -8,6 +8,8 @@
 #include <velmor/sql/host/TypeNames.h>
 #include <velmor/sql/validation/Validator.h>
 
+#include "inference/Resolutions.h"
+
 #include <functional>
 #include <memory>
 
@@ -195,6 +197,58 @@ TEST(Resolutions, EveryChangeOfTheCatalogueGivesANewRevision) {
   // Two catalogues never share a revision.
   const host::Catalogue other;
   EXPECT_NE(other.revision(), catalogue.revision());
+}
+
+// The memo itself: enough entries to grow its slots several times, answers by callee,
+// quantifier and plain types (untyped operands skipped), none for a question not asked.
+TEST(Resolutions, MemoAnswersEveryKeptChoiceAcrossGrowth) {
+  const auto& global = *host::gisSampleCatalogue();
+  const std::shared_ptr<Type> integer = std::make_shared<Type>(type::PlainType::Integer);
+  const std::shared_ptr<Type> real = std::make_shared<Type>(type::PlainType::Double);
+  std::vector<std::shared_ptr<void>> callees;
+  for (int i = 0; i < 40; ++i) callees.push_back(std::make_shared<int>(i));
+  detail::Resolutions memo;
+  EXPECT_EQ(memo.find(global, callees[0], 0, {integer}), nullptr);
+  // Each callee with 0, 1 or 2 operands of two kinds and two quantifiers: 40 * 2 * 7 entries.
+  const std::vector<std::vector<std::shared_ptr<Type>>> lists = {
+      {}, {integer}, {real}, {integer, integer}, {integer, real}, {real, integer}, {real, real}};
+  const auto plainOf = [](const std::vector<std::shared_ptr<Type>>& types) {
+    std::vector<type::PlainType> plain;
+    for (const auto& type : types) plain.push_back(type->plainType());
+    return plain;
+  };
+  const auto overloadFor = [](std::size_t callee, int quantifier, std::size_t list) {
+    return std::make_shared<std::size_t>(callee * 100 + static_cast<std::size_t>(quantifier) * 10 + list);
+  };
+  std::vector<std::shared_ptr<void>> kept;
+  for (std::size_t c = 0; c < callees.size(); ++c) {
+    for (int q = 0; q < 2; ++q) {
+      for (std::size_t l = 0; l < lists.size(); ++l) {
+        auto overload = overloadFor(c, q, l);
+        kept.push_back(overload);
+        memo.keep(global, callees[c], q, plainOf(lists[l]), overload);
+      }
+    }
+  }
+  EXPECT_EQ(memo.size(), kept.size());
+  std::size_t at = 0;
+  for (std::size_t c = 0; c < callees.size(); ++c) {
+    for (int q = 0; q < 2; ++q) {
+      for (std::size_t l = 0; l < lists.size(); ++l) {
+        EXPECT_EQ(memo.find(global, callees[c], q, lists[l]), kept[at++]) << c << ' ' << q << ' ' << l;
+      }
+    }
+  }
+  // An untyped operand is skipped as the kept list skipped it.
+  EXPECT_EQ(memo.find(global, callees[3], 1, {nullptr, integer, nullptr}), memo.find(global, callees[3], 1, {integer}));
+  EXPECT_EQ(memo.find(global, callees[3], 2, {integer}), nullptr);
+  EXPECT_EQ(memo.find(global, std::make_shared<int>(7), 0, {integer}), nullptr);
+  EXPECT_EQ(memo.find(global, callees[3], 0, {integer, integer, integer}), nullptr);
+  memo.clear();
+  EXPECT_EQ(memo.size(), 0u);
+  EXPECT_EQ(memo.find(global, callees[0], 0, {}), nullptr);
+  memo.keep(global, callees[0], 0, {}, kept[0]);
+  EXPECT_EQ(memo.find(global, callees[0], 0, {}), kept[0]);
 }
 
 } // namespace
