@@ -56,7 +56,8 @@ private:
 
 // The list of the release running on this thread, or null when none runs. A plain pointer: it
 // needs no constructor or destructor, so it is safe to use while other thread-locals die.
-thread_local Pending* tPending = nullptr;
+// Initial-exec, as it is read for every node released.
+[[gnu::tls_model("initial-exec")]] thread_local Pending* tPending = nullptr;
 
 // Calls f on every handle field of a record (not the records held by value that own none).
 // Leaves are listed one by one, so that a record kind added without a rule fails to compile.
@@ -156,7 +157,7 @@ void defer(Pending& pending, Node& handle) noexcept {
 // nearly every tree ends) children die in place, each in its parent's release: cheaper than
 // the list. Deeper, the list takes over, so that the stack never holds more than this many.
 constexpr int kReleaseInPlace = 32;
-thread_local int tReleaseDepth = 0;
+[[gnu::tls_model("initial-exec")]] thread_local int tReleaseDepth = 0;
 
 template <class T>
 void release(T& record) noexcept {

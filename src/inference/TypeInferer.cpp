@@ -103,7 +103,10 @@ std::shared_ptr<Type> charLiteralType(std::size_t length) {
 // each. Kept lists are small by nature (one entry an operand).
 constexpr std::size_t kSpareLists = 16;
 constexpr std::size_t kSpareListRoom = 64;
-thread_local bool tSpareListsGone = false;
+// The thread-locals here are read for every operation typed: initial-exec, like the walks'
+// ones, so that a shared library reaches them without a call (the module's block is static
+// already).
+[[gnu::tls_model("initial-exec")]] thread_local bool tSpareListsGone = false;
 
 struct SpareLists {
   std::vector<std::vector<std::shared_ptr<Type>>> lists;
@@ -113,7 +116,7 @@ struct SpareLists {
 // Null once the thread's lists died (an inferer run while the thread's objects die).
 SpareLists* spareLists() noexcept {
   if (tSpareListsGone) return nullptr;
-  thread_local SpareLists spare;
+  [[gnu::tls_model("initial-exec")]] thread_local SpareLists spare;
   return &spare;
 }
 
@@ -194,12 +197,12 @@ namespace detail {
 
 namespace {
 // A plain pointer, so that it needs no guard and stays usable while thread-locals die.
-thread_local Resolutions* tResolutions = nullptr;
+[[gnu::tls_model("initial-exec")]] thread_local Resolutions* tResolutions = nullptr;
 
 // The memo that lasts from check to check on a thread, for one revision of one context. Past
 // this many choices it starts again, so that a thread's memo stays small.
 constexpr std::size_t kLastingChoices = 4096;
-thread_local bool tLastingGone = false;
+[[gnu::tls_model("initial-exec")]] thread_local bool tLastingGone = false;
 
 struct Lasting {
   const GlobalTypeContext* global = nullptr;
@@ -211,7 +214,7 @@ struct Lasting {
 // Null once the thread's lasting memo died (a check run while the thread's objects die).
 Resolutions* lastingFor(const GlobalTypeContext& global, std::uint64_t revision) noexcept {
   if (tLastingGone) return nullptr;
-  thread_local Lasting lasting;
+  [[gnu::tls_model("initial-exec")]] thread_local Lasting lasting;
   if (lasting.global != &global || lasting.revision != revision || lasting.memo.size() >= kLastingChoices) {
     lasting.memo.clear();
     lasting.global = &global;
@@ -224,7 +227,7 @@ Resolutions* lastingFor(const GlobalTypeContext& global, std::uint64_t revision)
 Resolutions* currentResolutions() noexcept { return tResolutions; }
 
 TypingMarks& typingMarks() noexcept {
-  thread_local TypingMarks marks;
+  [[gnu::tls_model("initial-exec")]] thread_local TypingMarks marks;
   return marks;
 }
 
