@@ -638,25 +638,17 @@ std::vector<std::shared_ptr<Type>> TypeInferer::convertTypes(const std::vector<s
   return result;
 }
 
-std::shared_ptr<Type> TypeInferer::convertedType(const std::vector<std::shared_ptr<Type>>& types,
+std::shared_ptr<Type> TypeInferer::convertedType(std::vector<std::shared_ptr<Type>>& types,
                                                 const OverloadInfo& overload, std::size_t count) const {
   if (types.size() == count && convertsNothing(types, overload)) return overload.calcFullType(types);
-  // convertTypes(types, overload.parameterTypes(count)), without the list of parameter types.
+  // convertTypes(types, overload.parameterTypes(count)), in place.
   const std::size_t n = types.size();
   VELMOR_SQL_ASSERT(n == count, "TypeInferer");
-  TypeList converted;
-  std::vector<std::shared_ptr<Type>>& result = *converted;
-  result.reserve(n);
-  for (std::size_t i = 0; i < n; ++i) {
-    const std::shared_ptr<Type>& type = types[i];
-    const PlainType to = i < count ? overload.parameterType(i) : PlainType::Fault;
-    if (!type || i >= count || type->plainType() == to) {
-      result.push_back(type);
-    } else {
-      result.push_back(mGlobalContext.convert(type, to));
-    }
+  for (std::size_t i = 0; i < n && i < count; ++i) {
+    const PlainType to = overload.parameterType(i);
+    if (types[i] && types[i]->plainType() != to) types[i] = mGlobalContext.convert(types[i], to);
   }
-  return overload.calcFullType(result);
+  return overload.calcFullType(types);
 }
 
 // ---------------------------------------------------------------------------------------------

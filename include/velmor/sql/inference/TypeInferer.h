@@ -214,8 +214,10 @@ private:
 
   QueryAnalysis* mAnalysis = nullptr;
   std::shared_ptr<QueryAnalysis> mOwnAnalysis;
-  // The type of a call or an operation from its operand types, once its overload is known.
-  std::shared_ptr<Type> convertedType(const std::vector<std::shared_ptr<Type>>& types, const OverloadInfo& overload,
+  // The type of a call or an operation from its operand types, once its overload is known. The
+  // list is the caller's own, done with after: its types are converted in place to the
+  // overload's parameter types.
+  std::shared_ptr<Type> convertedType(std::vector<std::shared_ptr<Type>>& types, const OverloadInfo& overload,
                                       std::size_t count) const;
   // The overloads chosen so far in the check that made this inferer, if one runs.
   detail::Resolutions* mResolutions = nullptr;
