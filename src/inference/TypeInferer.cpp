@@ -741,6 +741,9 @@ void TypeInferer::standardOperationTypes(const ast::Operation& operation, std::v
   types.reserve(count);
   const bool gather = mAnalysis->gathersFaults();
   bool failed = false;
+  // The operands' records are asked for together, so that their reads overlap rather than wait
+  // one for another (each is read first as its kind is asked).
+  for (const ast::ExpressionNode& operand : operation.operands) __builtin_prefetch(operand.mImpl.get());
   for (std::size_t i = 0; i < count; ++i) {
     const ast::ExpressionNode& operand = operation.operands[i];
     try {
