@@ -180,7 +180,7 @@ void BM_CheckAllCompatible(benchmark::State& state) { checkAll(state, Scoping::C
 
 // Parse and check each statement in turn, as a host does: the tree is checked while it is still
 // in the cache. Less BM_ParseAll, what the check adds to a parse.
-void BM_ParseAndCheckAll(benchmark::State& state) {
+void parseAndCheckAll(benchmark::State& state, Scoping scoping) {
   const auto& lines = allStatements();
   const auto hostCatalogue = corpus::corpusCatalogue();
   const host::Catalogue& catalogue = *hostCatalogue;
@@ -198,7 +198,7 @@ void BM_ParseAndCheckAll(benchmark::State& state) {
       parsing += middle - start;
       if (!parsed) continue;
       Validator validator(catalogue, catalogue, nullptr);
-      validator.setScoping(Scoping::Standard);
+      validator.setScoping(scoping);
       benchmark::DoNotOptimize(validator.validateStatement(parser.result));
       checking += Clock::now() - middle;
     }
@@ -212,12 +212,18 @@ void BM_ParseAndCheckAll(benchmark::State& state) {
   state.counters["check_ms"] = perPass(checking);
 }
 
+void BM_ParseAndCheckAll(benchmark::State& state) { parseAndCheckAll(state, Scoping::Standard); }
+
+// The same in the library's default, compatible scoping.
+void BM_ParseAndCheckAllCompatible(benchmark::State& state) { parseAndCheckAll(state, Scoping::Compatible); }
+
 BENCHMARK(BM_ParseSelects)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ValidateSelects)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ParseAll)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_CheckAllStandard)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_CheckAllCompatible)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ParseAndCheckAll)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ParseAndCheckAllCompatible)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
