@@ -6,11 +6,14 @@
 #include <velmor/sql/errors/SemanticErrors.h>
 
 #include "ast/RecordOf.h"
+#include "common/DeepStack.h"
 #include "inference/Resolutions.h"
 #include "inference/StandardAnalysis.h"
 #include "types/OverloadRules.h"
 
 #include <cstddef>
+#include <exception>
+#include <typeinfo>
 #include <utility>
 
 namespace velmor::sql {
@@ -391,7 +394,124 @@ std::shared_ptr<Type> TypeInferer::functionType(const ast::Function& function) {
   return convertedType(*types, *overload, function.arguments.size());
 }
 
+namespace {
+
+// An operation typed from its two operands alone: what a chain is made of (a CAST's second
+// operand is a type name, typed otherwise).
+bool isLink(const ast::Operation& operation) {
+  return operation.operands.size() == 2 && operation.operation != OperationCode::Cast;
+}
+
+// The library's own operation node below `operation` on the left that is a link too, or null.
+const ast::NodeInterface* leftLink(const ast::Operation& operation) {
+  const ast::NodeInterface* impl = operation.operands.front().mImpl.get();
+  if (!impl || &typeid(*impl) != &typeid(ast::NodeImpl<ast::Operation>)) return nullptr;
+  return isLink(static_cast<const ast::NodeImpl<ast::Operation>*>(impl)->value()) ? impl : nullptr;
+}
+
+const ast::Operation& operationIn(const ast::NodeInterface* impl) {
+  return static_cast<const ast::NodeImpl<ast::Operation>*>(impl)->value();
+}
+
+// A link of a chain below its top is not visited, so it does for a fault watcher what its visit
+// would (Node::accept): it is the innermost node while its own work runs, and the place of a
+// fault that leaves it first. The top (null here) is visited, and watched so.
+class LinkWatch {
+public:
+  explicit LinkWatch(const ast::NodeInterface* link) noexcept
+      : mWatch(link ? detail::walkWatch() : nullptr), mLink(link) {
+    if (mWatch) {
+      mOuter = mWatch->current;
+      mWatch->current = link;
+    }
+  }
+  ~LinkWatch() {
+    if (mWatch) mWatch->current = mOuter;
+  }
+  LinkWatch(const LinkWatch&) = delete;
+  LinkWatch& operator=(const LinkWatch&) = delete;
+
+  template <class Work>
+  auto run(Work&& work) {
+    if (!mWatch) return work();
+    try {
+      return work();
+    } catch (...) {
+      std::exception_ptr thrown = std::current_exception();
+      if (mWatch->thrown != thrown) {
+        mWatch->thrown = std::move(thrown);
+        mWatch->thrownAt = mLink;
+      }
+      throw;
+    }
+  }
+
+private:
+  detail::WalkWatch* mWatch;
+  const ast::NodeInterface* mLink;
+  const void* mOuter = nullptr;
+};
+
+} // namespace
+
+std::shared_ptr<Type> TypeInferer::chainType(const ast::Operation& top) {
+  // Down the left side: each link's operator is looked up before its left operand is typed,
+  // as the recursion does. The top is this inferer's own; each link below is typed by an
+  // inferer of its own, as the recursion's fresh ones (their memo is the thread's now).
+  struct Link {
+    const ast::NodeInterface* impl; // null for the top, which its own visit watches
+    std::shared_ptr<OperatorInfo> info;
+  };
+  std::vector<Link> links;
+  const ast::NodeInterface* impl = nullptr;
+  const ast::Operation* link = &top;
+  for (;;) {
+    std::shared_ptr<OperatorInfo> info;
+    {
+      LinkWatch watch(impl);
+      info = watch.run([&] {
+        auto found = mGlobalContext.operatorInfo(link->operation);
+        if (!found) throw OperatorNotSupported(link->operation);
+        return found;
+      });
+    }
+    links.push_back({impl, std::move(info)});
+    impl = leftLink(*link);
+    if (!impl) break;
+    link = &operationIn(impl);
+  }
+  // Up again: the leftmost operand, then each link's right operand and overload.
+  std::shared_ptr<Type> left;
+  for (std::size_t i = links.size(); i-- > 0;) {
+    const Link& at = links[i];
+    const ast::Operation& operation = at.impl ? operationIn(at.impl) : top;
+    LinkWatch watch(at.impl);
+    left = watch.run([&] {
+      TypeList types;
+      if (i + 1 == links.size()) {
+        TypeInferer leftmost(mGlobalContext, mScopeContext);
+        leftmost.doVisit(operation.operands[0]);
+        (*types).push_back(std::move(leftmost).result());
+      } else {
+        (*types).push_back(std::move(left));
+      }
+      TypeInferer right(mGlobalContext, mScopeContext);
+      right.doVisit(operation.operands[1]);
+      (*types).push_back(std::move(right).result());
+      if (!at.impl) {
+        const std::shared_ptr<OperatorOverloadInfo> overload = findOperatorOverload(operation, at.info, *types);
+        return convertedType(*types, *overload, 2);
+      }
+      TypeInferer own(mGlobalContext, mScopeContext);
+      const std::shared_ptr<OperatorOverloadInfo> overload = own.findOperatorOverload(operation, at.info, *types);
+      return own.convertedType(*types, *overload, 2);
+    });
+  }
+  return left;
+}
+
 std::shared_ptr<Type> TypeInferer::operatorType(const ast::Operation& operation) {
+  if (!mAnalysis && isLink(operation) && leftLink(operation)) return chainType(operation);
   const std::shared_ptr<OperatorInfo> info = mGlobalContext.operatorInfo(operation.operation);
   if (!info) throw OperatorNotSupported(operation.operation);
   TypeList types;

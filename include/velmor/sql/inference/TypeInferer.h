@@ -214,6 +214,10 @@ private:
 
   QueryAnalysis* mAnalysis = nullptr;
   std::shared_ptr<QueryAnalysis> mOwnAnalysis;
+  // operatorType for a binary operation whose left operand is one too (a AND b AND c), without
+  // an analysis: the chain is typed in a loop, in the order and with the answers of the
+  // recursion, so that a long chain needs no deep stack and a fault unwinds few frames.
+  std::shared_ptr<Type> chainType(const ast::Operation& top);
   // The type of a call or an operation from its operand types, once its overload is known. The
   // list is the caller's own, done with after: its types are converted in place to the
   // overload's parameter types.
