@@ -1,4 +1,4 @@
-// Decimal numerals appended to wide text: the library's std::to_wstring goes through a
+// Decimal numerals appended to wide text: the standard library's std::to_wstring goes through a
 // formatted print, which costs hundreds of instructions for a column's number.
 #pragma once
 
