@@ -35,11 +35,7 @@ namespace {
   try {
     sql::detail::withStack([&] { impl.accept(visitor); });
   } catch (...) {
-    std::exception_ptr thrown = std::current_exception();
-    if (watch->thrown != thrown) {
-      watch->thrown = std::move(thrown);
-      watch->thrownAt = &impl;
-    }
+    sql::detail::noteLeft(*watch, &impl);
     watch->current = outer;
     throw;
   }

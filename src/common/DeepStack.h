@@ -18,6 +18,16 @@ struct WalkWatch {
   const void* thrownAt = nullptr;
 };
 
+/// Called from a handler as the exception in flight leaves the visit of `node`: the first node
+/// it leaves is the innermost, and the one it is about.
+inline void noteLeft(WalkWatch& watch, const void* node) noexcept {
+  std::exception_ptr thrown = std::current_exception();
+  if (watch.thrown != thrown) {
+    watch.thrown = std::move(thrown);
+    watch.thrownAt = node;
+  }
+}
+
 /// The thread's watch, or null (the common case).
 WalkWatch* walkWatch() noexcept;
 /// Makes `watch` (or null) the thread's watch; returns the one before.

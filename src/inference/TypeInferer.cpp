@@ -12,7 +12,6 @@
 #include "types/OverloadRules.h"
 
 #include <cstddef>
-#include <exception>
 #include <typeinfo>
 #include <utility>
 
@@ -402,15 +401,15 @@ bool isLink(const ast::Operation& operation) {
   return operation.operands.size() == 2 && operation.operation != OperationCode::Cast;
 }
 
+const ast::Operation& operationIn(const ast::NodeInterface* impl) {
+  return static_cast<const ast::NodeImpl<ast::Operation>*>(impl)->value();
+}
+
 // The library's own operation node below `operation` on the left that is a link too, or null.
 const ast::NodeInterface* leftLink(const ast::Operation& operation) {
   const ast::NodeInterface* impl = operation.operands.front().mImpl.get();
   if (!impl || &typeid(*impl) != &typeid(ast::NodeImpl<ast::Operation>)) return nullptr;
-  return isLink(static_cast<const ast::NodeImpl<ast::Operation>*>(impl)->value()) ? impl : nullptr;
-}
-
-const ast::Operation& operationIn(const ast::NodeInterface* impl) {
-  return static_cast<const ast::NodeImpl<ast::Operation>*>(impl)->value();
+  return isLink(operationIn(impl)) ? impl : nullptr;
 }
 
 // A link of a chain below its top is not visited, so it does for a fault watcher what its visit
@@ -437,11 +436,7 @@ public:
     try {
       return work();
     } catch (...) {
-      std::exception_ptr thrown = std::current_exception();
-      if (mWatch->thrown != thrown) {
-        mWatch->thrown = std::move(thrown);
-        mWatch->thrownAt = mLink;
-      }
+      detail::noteLeft(*mWatch, mLink);
       throw;
     }
   }
